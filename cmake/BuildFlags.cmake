@@ -1,0 +1,28 @@
+# Flags of our own targets; consumers of installed targets never see them.
+#   quoril_warnings  warnings, all of them errors
+#   quoril_flags     sanitizers and coverage, as the presets ask
+add_library(quoril_warnings INTERFACE)
+target_compile_options(quoril_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+add_library(quoril_flags INTERFACE)
+if(QUORIL_SANITIZE)
+  target_compile_options(quoril_flags INTERFACE
+    -fsanitize=${QUORIL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(quoril_flags INTERFACE -fsanitize=${QUORIL_SANITIZE})
+endif()
+if(QUORIL_COVERAGE)
+  target_compile_options(quoril_flags INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(quoril_flags INTERFACE --coverage)
+endif()
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # x87 registers keep more digits than a double has: results would differ between builds.
+  target_compile_options(quoril_flags INTERFACE -msse2 -mfpmath=sse -D_FILE_OFFSET_BITS=64)
+endif()
+
+# quoril_own(TARGET): includes from the project's root, our warnings and flags.
+function(quoril_own target)
+  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+  target_link_libraries(${target} PRIVATE
+    $<BUILD_INTERFACE:quoril_warnings> $<BUILD_INTERFACE:quoril_flags>)
+endfunction()
