@@ -1,0 +1,45 @@
+#pragma once
+
+#include "sensorfile/SensorFileReader.hpp"
+
+namespace SensorFile {
+
+/// The usual case of a binary file: the whole row is in memory. No stream is asked then, since one
+/// that has failed has left nothing in memory. False leaves everything as it was.
+inline bool SensorFileReader::takeRow(double* row, std::size_t size) {
+    const std::size_t bytes = splitRow_.size();
+    if (bytes == 0 || size != columnCount_ || column_ != 0) return false;
+    const char* const start = block_.cursor();
+    if (static_cast<std::size_t>(block_.end() - start) < bytes) return false;
+    binaryRow_.decode(start, row);
+    block_.consume(start + bytes);
+    countRow();
+    return true;
+}
+
+template <typename T>
+requires std::is_arithmetic_v<T>
+bool SensorFileReader::read(T* values, std::size_t count) {
+    if constexpr (std::is_same_v<T, double>) {
+        if (takeRow(values, count)) return true;
+    }
+    if (!isOpen_ || isWriteMode_) return false;
+    for (std::size_t i = 0; i < count; ++i) {
+        if constexpr (std::is_same_v<T, double>) {
+            if (column_ == 0 && columnCount_ != 0 && count - i >= columnCount_) {
+                if (!takeRow(values + i, columnCount_)) readRowValues(values + i);
+                i += columnCount_ - 1;
+                continue;
+            }
+        }
+        if (isNextOfType(typeNameOf<T>())) {
+            values[i] = readTyped<T>();
+        } else {
+            Poco::Dynamic::Var value;
+            values[i] = readValue(value) ? value.convert<T>() : T{};
+        }
+    }
+    return true;
+}
+
+}  // namespace SensorFile

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Support {
+
+/// Counts what the program allocates on the heap, in all threads, during its scope: operator new
+/// and malloc (which Eigen calls for its matrices). Needs AllocationCount.cpp in the program and
+/// the linker's option --wrap=malloc.
+class AllocationCount {
+ public:
+    AllocationCount();
+    ~AllocationCount();
+    AllocationCount(const AllocationCount&) = delete;
+    AllocationCount& operator=(const AllocationCount&) = delete;
+
+    /// Allocations since the construction.
+    [[nodiscard]] std::size_t get() const;
+};
+
+}  // namespace Support
