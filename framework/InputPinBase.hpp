@@ -1,0 +1,127 @@
+#pragma once
+
+#include "framework/AbstractBufferStrategy.hpp"
+#include "framework/AbstractInputPin.hpp"
+#include "framework/AbstractOutputPin.hpp"
+#include "framework/BufferStrategyFactory.hpp"
+#include "framework/PinManager.hpp"
+
+#include <memory>
+#include <string>
+#include <typeinfo>
+
+namespace Quoril::Core {
+
+/// An input pin for samples of T. Push comes from the connected output pin's thread, everything
+/// else from the thread of the filter that owns the pin, or under its synchronizer.
+template <class T>
+class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
+ public:
+    using Sample = TimeStampedData<T>;
+
+    InputPinBase(const std::string& name, PinManager* manager)
+        : Pin(name, manager), AbstractInputPin(name, manager) {
+        chooseStrategy();
+    }
+
+    ~InputPinBase() override { disconnect(); }
+
+    void clear() override {
+        lastSample_ = nullptr;
+        lastTime_ = 0.0;
+        strategy_->clear();
+    }
+
+    void rebuildBufferStrategy() override { chooseStrategy(); }
+
+    /// Stores the connection and rebuilds the buffer; null disconnects.
+    virtual void setOutputPin(AbstractOutputPin* outputPin, bool isDirect) {
+        storeConnection(outputPin, isDirect);
+        chooseStrategy();
+    }
+
+    virtual void push(const Sample& sample) {
+        countPushed();
+        if (!strategy_->push(sample)) countOverwritten();
+    }
+
+    [[nodiscard]] std::string getDataTypeName() const override { return typeid(Sample).name(); }
+
+    /// True while a fetched sample waits to be taken.
+    [[nodiscard]] bool hasData() const noexcept { return lastSample_ != nullptr; }
+
+    /// Fetches a sample from the buffer unless one waits already; false when there is none.
+    bool fetch() {
+        if (lastSample_ != nullptr) return true;
+        const Sample* sample = nullptr;
+        if (!strategy_->pop(sample)) return false;
+        countTaken();
+        if (handsOutForeignSample_) {
+            // The writer may change its sample before this one is taken.
+            copySample(ownSample_, *sample);
+            sample = &ownSample_;
+        }
+        lastSample_ = sample;
+        return true;
+    }
+
+    /// The fetched sample without taking it, or null.
+    [[nodiscard]] const Sample* peek() const noexcept { return lastSample_; }
+
+    /// Takes the fetched sample: it counts as read and its time becomes the pin's last time. Null
+    /// when none waits. The sample stays valid until the next fetch or change of the buffer.
+    const Sample* take() noexcept {
+        const Sample* sample = lastSample_;
+        lastSample_ = nullptr;
+        if (sample != nullptr) lastTime_ = sample->timeStamp;
+        return sample;
+    }
+
+    /// Time stamp of the last sample taken, seconds; 0 after a clear.
+    [[nodiscard]] double getLastTime() const noexcept { return lastTime_; }
+
+    [[nodiscard]] AbstractBufferStrategy<Sample>& getStrategy() noexcept { return *strategy_; }
+    [[nodiscard]] const AbstractBufferStrategy<Sample>& getStrategy() const noexcept {
+        return *strategy_;
+    }
+
+    [[nodiscard]] unsigned getWaitingCount() const override { return strategy_->size(); }
+
+ protected:
+    void disconnect() {
+        if (AbstractOutputPin* output = getOutputPin()) output->detach(*this, false);
+    }
+
+ private:
+    [[nodiscard]] BufferFamily chooseFamily() const {
+        const AbstractOutputPin* output = getOutputPin();
+        if (output == nullptr) return BufferFamily::kSimple;
+        const LayoutManager* here = layoutManagerOf(*this);
+        const LayoutManager* there = layoutManagerOf(*output);
+        if (here == there && (here != nullptr || getIsDirect())) return BufferFamily::kSimple;
+        if (here != there && here != nullptr && getIsBlocking()) return BufferFamily::kSynchronized;
+        return BufferFamily::kThreadSafe;
+    }
+
+    static const LayoutManager* layoutManagerOf(const Pin& pin) {
+        const PinManager* filter = pin.getManager();
+        return filter == nullptr ? nullptr : filter->getManager();
+    }
+
+    void chooseStrategy() {
+        // The old buffer goes first: two large ones need not fit beside each other.
+        strategy_.reset();
+        const BufferFamily family = chooseFamily();
+        strategy_ = makeBufferStrategy<Sample>(family, getBuffer(), getSynchronizer());
+        handsOutForeignSample_ = family == BufferFamily::kSimple && getBuffer().size == 1;
+        InputPinBase::clear();
+    }
+
+    std::unique_ptr<AbstractBufferStrategy<Sample>> strategy_;
+    const Sample* lastSample_ = nullptr;
+    double lastTime_ = 0.0;
+    Sample ownSample_;
+    bool handsOutForeignSample_ = false;
+};
+
+}  // namespace Quoril::Core
