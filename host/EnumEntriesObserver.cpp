@@ -1,0 +1,7 @@
+#include "framework/EnumProperty.hpp"
+
+namespace Quoril::Core {
+
+EnumEntriesObserver::~EnumEntriesObserver() = default;
+
+}  // namespace Quoril::Core

@@ -1,0 +1,7 @@
+#include "framework/AbstractProperty.hpp"
+
+namespace Quoril::Core {
+
+PropertyObserver::~PropertyObserver() = default;
+
+}  // namespace Quoril::Core
