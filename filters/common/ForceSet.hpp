@@ -1,0 +1,34 @@
+#pragma once
+
+#include "framework/Synchronizer.hpp"
+#include "framework/ValueProperty.hpp"
+
+namespace Filters {
+
+/// Makes a property writable for its scope, then puts the flag back; observers are told of both.
+template <class T>
+class ScopedWritable {
+ public:
+    explicit ScopedWritable(Quoril::Core::ValueProperty<T>& property)
+        : property_(property), wasWritable_(property.getIsWritable()) {
+        property_.setIsWritable(true);
+    }
+    ~ScopedWritable() { property_.setIsWritable(wasWritable_); }
+    ScopedWritable(const ScopedWritable&) = delete;
+    ScopedWritable& operator=(const ScopedWritable&) = delete;
+
+ private:
+    Quoril::Core::ValueProperty<T>& property_;
+    const bool wasWritable_;
+};
+
+/// Sets a property that users may not change now. Its callbacks run as in every set.
+/// @throws whatever a callback throws; the flag is put back then too
+template <class T>
+void forceSet(Quoril::Core::ValueProperty<T>& property, const T& value) {
+    const Quoril::Core::Synchronizer::DisablerLocker lock(property.getSynchronizer(), nullptr);
+    const ScopedWritable<T> writable(property);
+    property.set(value);
+}
+
+}  // namespace Filters

@@ -1,0 +1,112 @@
+#include "filters/sensorfile/FilterRecordSensorFile.hpp"
+#include "filters/sensorfile/FilterReplaySensorFile.hpp"
+#include "sensorfile/ColumnType.hpp"
+#include "sensorfile/SensorFileReader.hpp"
+#include "tests/support/FilterHarness.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+#include "tests/support/TestTime.hpp"
+
+#include <atomic>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+using Support::column;
+using Support::FilterHarness;
+
+namespace {
+
+/// Makes a filter's calls on a thread, as a host does that holds no lock meanwhile.
+class Caller {
+ public:
+    explicit Caller(Quoril::Core::Filter& filter)
+        : thread_([this, &filter] {
+              while (!isEnded_) {
+                  filter.process();
+                  ++calls_;
+              }
+          }) {}
+    ~Caller() {
+        isEnded_ = true;
+        thread_.join();
+    }
+    Caller(const Caller&) = delete;
+    Caller& operator=(const Caller&) = delete;
+
+    /// Returns after at least two calls that began later than this one.
+    void waitForCalls() const {
+        const unsigned start = calls_;
+        while (calls_ - start < 3)
+            std::this_thread::yield();
+    }
+
+ private:
+    std::atomic<bool> isEnded_{false};
+    std::atomic<unsigned> calls_{0};
+    std::thread thread_;
+};
+
+}  // namespace
+
+TEST(FilterThreadsTest, RecordingsStayWholeWhileTheyAreSwitchedUnderCalls) {
+    const Support::TemporaryFolder folder;
+    FilterRecordSensorFile filter("recorder");
+    FilterHarness rec(filter);
+    rec.set("Binary", true);
+    rec.set("Pins Number", 2);
+    for (const char* number : {"1", "2"}) {
+        rec.set(std::string("ColNames#") + number, std::string("c") + number);
+        rec.choose(std::string("ColTypes#") + number, "INT32");
+        rec.connect(std::string("input#") + number);
+    }
+    const Caller caller(filter);
+    for (int turn = 0; turn < 50; ++turn) {
+        const std::string file = folder.file(std::to_string(turn));
+        rec.set("File Name", file);
+        rec.set("Record", true);
+        for (int i = 0; i < 20; ++i) {
+            rec.push("input#2", column({1.0 * i}));
+            rec.push("input#1", column({1.0 * i}));
+        }
+        caller.waitForCalls();
+        rec.set("Record", false);
+        SensorFile::SensorFileReader reader;
+        reader.open(file, /*binary=*/true);
+        ASSERT_EQ(reader.getConfig().getColumnCount(), 2U);
+        std::vector<double> row(2);
+        while (reader.readRow(row))
+            ASSERT_LT(row[0], 20.0);
+    }
+}
+
+TEST(FilterThreadsTest, ReplayIsSwitchedPausedAndReloadedUnderCalls) {
+    const Support::TemporaryFolder folder;
+    const std::string file = folder.file("a.sf");
+    SensorFile::SensorFileConfig config;
+    config.addColumn("a", SensorFile::kDouble);
+    config.addColumn("COUNT", SensorFile::kUInt16);
+    SensorFile::SensorFileWriter writer;
+    writer.open(file, config, /*binary=*/true, /*writeHeaders=*/true);
+    for (int i = 0; i < 10; ++i)
+        writer.writeRow(std::vector<double>{0.5 * i, 1.0 * i});
+    writer.close();
+
+    const Support::RecordedSleeps sleeps;
+    FilterReplaySensorFile filter("player");
+    FilterHarness replay(filter);
+    replay.set("QuickProcess", true);
+    replay.set("Load File", file);
+    const Caller caller(filter);
+    for (int turn = 0; turn < 50; ++turn) {
+        // Every other turn ends by itself, at the end of the file.
+        replay.set("AutoReplay", turn % 2 == 0);
+        replay.set("Replay", true);
+        replay.set("Pause", true);
+        replay.set("Pause", false);
+        caller.waitForCalls();
+        replay.set("Replay", false);
+        replay.set("TimeStampColName", turn % 3 == 0 ? "a" : "COUNT");
+        replay.trigger("Reload File");
+        ASSERT_EQ(replay.outputNames().size(), 2U);
+    }
+}
