@@ -1,0 +1,18 @@
+# Fails unless the dynamic symbols that MODULE defines are the three entry points.
+execute_process(COMMAND "${NM}" -D --defined-only --format=posix "${MODULE}"
+  OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" lines "${table}")
+set(names "")
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE " .*" "" name "${line}")
+  list(APPEND names "${name}")
+endforeach()
+list(SORT names)
+set(expected dllGetQuorilVersion dllStartPlugin dllStopPlugin)
+if(NOT names STREQUAL expected)
+  message(FATAL_ERROR "${MODULE} exports: ${names}")
+endif()
+get_filename_component(file "${MODULE}" NAME)
+if(NOT file MATCHES "^QuorilPluginSensorFile-2\\.5\\.0\\.")
+  message(FATAL_ERROR "The module's file is named ${file}")
+endif()
