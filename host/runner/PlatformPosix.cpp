@@ -1,0 +1,140 @@
+#include "host/runner/Platform.hpp"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+#include <Poco/Exception.h>
+
+namespace Quoril::Runner {
+
+namespace {
+constexpr int kInterruptedExitCode = 130;
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+constexpr char kInterrupted = 'i';
+constexpr char kQuit = 'q';
+
+// A signal handler reaches nothing but statics.
+std::atomic<int> interruptCount{0};
+std::atomic<int> interruptPipe{-1};
+
+std::string describeError(int error) {
+    return std::generic_category().message(error);
+}
+
+void writeByte(int file, char byte) {
+    while (::write(file, &byte, 1) < 0 && errno == EINTR) {
+    }
+}
+
+extern "C" void onInterrupt(int /*signal*/) {
+    if (interruptCount.fetch_add(1) > 0) ::_exit(kInterruptedExitCode);
+    const int errorOfInterrupted = errno;
+    writeByte(interruptPipe.load(), kInterrupted);
+    errno = errorOfInterrupted;
+}
+}  // namespace
+
+std::string getProgramFolder() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : program.parent_path().string() + "/";
+}
+
+std::string findWriteObstacle(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (fs::is_directory(path, error)) return "it is a folder";
+    if (fs::exists(path, error)) {
+        const bool isWritable = ::access(path.c_str(), W_OK) == 0;
+        return isWritable ? "" : "the file cannot be written to: " + describeError(errno);
+    }
+    const std::string folder = fs::absolute(path, error).parent_path().string();
+    if (!fs::exists(folder, error)) return "the folder '" + folder + "' does not exist";
+    if (!fs::is_directory(folder, error)) return "'" + folder + "' is no folder";
+    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+        return "the folder '" + folder + "' cannot be written to: " + describeError(errno);
+    // The name itself may be what the system does not take.
+    const bool isNameGood = ::access(path.c_str(), F_OK) == 0 || errno == ENOENT;
+    return isNameGood ? "" : describeError(errno);
+}
+
+std::string findWriteError(const std::string& path) {
+    // A pipe without reader must not make it wait.
+    int file = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    const bool isNew = file < 0 && errno == ENOENT;
+    if (isNew) {
+        constexpr mode_t kOwnerOnly = 0600;
+        file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
+    }
+    if (file < 0) return describeError(errno);
+    ::close(file);
+    if (isNew) ::unlink(path.c_str());
+    return "";
+}
+
+std::string findReadObstacle(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) return "does not exist";
+    if (error) return "cannot be read: " + error.message();
+    if (fs::is_directory(status)) return "is a folder";
+    if (::access(path.c_str(), R_OK) != 0) return "cannot be read: " + describeError(errno);
+    const bool isEmpty = fs::is_regular_file(status) && fs::file_size(path, error) == 0;
+    return isEmpty ? "is empty" : "";
+}
+
+bool isErrorStreamTerminal() {
+    return ::isatty(STDERR_FILENO) == 1;
+}
+
+struct InterruptWatch::Impl {
+    std::function<void()> onFirst;
+    std::array<int, 2> pipe{-1, -1};
+    std::array<struct sigaction, kSignals.size()> before{};
+    std::thread thread;
+
+    void watch() {
+        char byte = 0;
+        for (;;) {
+            const ssize_t count = ::read(pipe[0], &byte, 1);
+            if (count < 0 && errno == EINTR) continue;
+            if (count != 1 || byte == kQuit) return;
+            onFirst();
+        }
+    }
+};
+
+InterruptWatch::InterruptWatch(std::function<void()> onFirst) : impl_(std::make_unique<Impl>()) {
+    impl_->onFirst = std::move(onFirst);
+    if (::pipe(impl_->pipe.data()) != 0)
+        throw Poco::SystemException("A pipe cannot be made", describeError(errno));
+    interruptCount = 0;
+    interruptPipe = impl_->pipe[1];
+    impl_->thread = std::thread([impl = impl_.get()] { impl->watch(); });
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    action.sa_flags = SA_RESTART;
+    ::sigemptyset(&action.sa_mask);
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &action, &impl_->before[i]);
+}
+
+InterruptWatch::~InterruptWatch() {
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &impl_->before[i], nullptr);
+    writeByte(impl_->pipe[1], kQuit);
+    impl_->thread.join();
+    interruptPipe = -1;
+    ::close(impl_->pipe[0]);
+    ::close(impl_->pipe[1]);
+}
+
+}  // namespace Quoril::Runner

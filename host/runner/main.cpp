@@ -1,0 +1,9 @@
+#include "host/runner/CommandLine.hpp"
+#include "host/runner/Platform.hpp"
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    return Quoril::Runner::runProgram(argc, argv, std::cout, std::cerr,
+                                      Quoril::Runner::isErrorStreamTerminal());
+}
