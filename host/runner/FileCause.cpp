@@ -39,7 +39,7 @@ std::string addCause(const std::string& message, const std::string& file, bool i
 
 std::string describeRefusal(const Poco::Exception& error, const Core::Filter& filter,
                             const Core::AbstractProperty& property, const std::string& text) {
-    const std::string message = describeException(error);
+    std::string message = describeException(error);
     if (!canComeFromAFile(error)) return message;
     const PropertyDescription refused = describeProperty(property);
     if (refused.kind == PropertyKind::kFileName)
@@ -50,7 +50,7 @@ std::string describeRefusal(const Poco::Exception& error, const Core::Filter& fi
         if (other == nullptr) continue;
         const PropertyDescription file = describeProperty(*other);
         if (file.kind != PropertyKind::kFileName) continue;
-        const std::string explained = addCause(message, file.value, file.isWrittenFile);
+        std::string explained = addCause(message, file.value, file.isWrittenFile);
         if (explained != message) return explained;
     }
     return message;

@@ -8,6 +8,7 @@
 
 #include <Poco/Exception.h>
 #include <Poco/Path.h>
+#include <fmt/format.h>
 
 namespace Quoril::Runner {
 
@@ -252,8 +253,8 @@ bool FlowReader::checkMap(const YamlNode& node, const std::string& what,
     for (const YamlEntry& entry : node.entries) {
         const std::string& key = entry.key.text;
         if (std::find(keys.begin(), keys.end(), key) == keys.end())
-            problems_.add(entry.key.place,
-                          "unknown key '" + key + "' of " + what + suggestName(key, keys));
+            problems_.add(entry.key.place, fmt::format("unknown key '{}' of {}{}", key, what,
+                                                       suggestName(key, keys)));
     }
     return true;
 }
