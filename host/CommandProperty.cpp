@@ -15,6 +15,7 @@ void CommandProperty::accept(Util::System::AbstractVisitor& visitor) const {
 }
 
 bool CommandProperty::getIsWritable() const {
+    const Synchronizer::DisablerLocker lock(getSynchronizer(), nullptr);
     return isWritable_;
 }
 bool CommandProperty::getIsPersistent() const {
