@@ -36,13 +36,15 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     /// True when the pin is connected and one thread drives both sides.
     [[nodiscard]] bool getIsSynchronous() const;
 
-    /// A blocking pin between two layouts makes its reader wait for data.
+    /// A blocking pin between two layouts makes its reader wait for data. Changes the buffer as
+    /// setBuffer() does.
     void setIsBlocking(bool isBlocking);
     [[nodiscard]] bool getIsBlocking() const noexcept { return isBlocking_; }
 
     /// Changes the buffer and rebuilds it, under the synchronizers of both sides; samples that wait
     /// are forgotten.
     /// @throws Poco::InvalidArgumentException if the size is 0
+    /// @throws std::bad_alloc; the pin keeps its buffer then, with what waits in it
     void setBuffer(const BufferSettings& settings);
     [[nodiscard]] const BufferSettings& getBuffer() const noexcept { return settings_; }
 
@@ -65,13 +67,17 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     void setSeenCount(std::uint64_t seen) noexcept { seen_ = seen; }
 
  protected:
-    void storeConnection(AbstractOutputPin* outputPin, bool isDirect);
+    void storeConnection(AbstractOutputPin* outputPin, bool isDirect) noexcept;
 
     void countPushed() noexcept { increment(pushed_); }
     void countTaken() noexcept { increment(taken_); }
     void countOverwritten() noexcept { increment(overwritten_); }
 
  private:
+    /// Gives a setting that the buffer depends on another value, if the buffer can be made.
+    template <class Setting>
+    void rebuildWith(Setting& setting, const Setting& value);
+
     // One thread at a time writes each counter, so that plain stores are enough.
     static void increment(std::atomic<std::uint64_t>& counter) noexcept {
         counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);

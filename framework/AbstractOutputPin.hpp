@@ -19,9 +19,11 @@ class QUORIL_CORE_API AbstractOutputPin : public virtual Pin {
     /// @param skipNotification  true: the host is not asked, and the connection is not direct
     /// @throws Poco::DataFormatException if the pins carry different types of samples
     /// @throws Poco::ExistsException if the input pin is connected already
+    /// @throws std::bad_alloc; nothing is connected then
     virtual void attach(AbstractInputPin& input, bool skipNotification) = 0;
 
-    /// Disconnects an input pin; one that is not attached here is ignored.
+    /// Disconnects an input pin; one that is not attached here is ignored. Never fails
+    /// for want of memory.
     /// @param onlyIfSynchronous  true: leaves a connection between two threads alone
     virtual void detach(AbstractInputPin& input, bool onlyIfSynchronous) = 0;
 

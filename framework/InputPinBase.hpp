@@ -5,10 +5,12 @@
 #include "framework/AbstractOutputPin.hpp"
 #include "framework/BufferStrategyFactory.hpp"
 #include "framework/PinManager.hpp"
+#include "framework/Synchronizer.hpp"
 
 #include <memory>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 namespace Quoril::Core {
 
@@ -21,7 +23,7 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
 
     InputPinBase(const std::string& name, PinManager* manager)
         : Pin(name, manager), AbstractInputPin(name, manager) {
-        chooseStrategy();
+        rebuild();
     }
 
     ~InputPinBase() override { disconnect(); }
@@ -32,12 +34,22 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
         strategy_->clear();
     }
 
-    void rebuildBufferStrategy() override { chooseStrategy(); }
+    void rebuildBufferStrategy() override { rebuild(); }
 
-    /// Stores the connection and rebuilds the buffer; null disconnects.
+    /// Stores the connection and rebuilds the buffer; null disconnects, which never fails.
+    /// @throws std::bad_alloc; the connection is as before then
     virtual void setOutputPin(AbstractOutputPin* outputPin, bool isDirect) {
+        AbstractOutputPin* const pinBefore = getOutputPin();
+        const bool wasDirect = getIsDirect();
         storeConnection(outputPin, isDirect);
-        chooseStrategy();
+        try {
+            rebuild();
+        } catch (...) {
+            // Destructors disconnect. The present buffer does for a pin that nobody writes to.
+            if (outputPin == nullptr) return InputPinBase::clear();
+            storeConnection(pinBefore, wasDirect);
+            throw;
+        }
     }
 
     virtual void push(const Sample& sample) {
@@ -89,10 +101,14 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
 
  protected:
     void disconnect() {
+        // Under the own side's lock the other side cannot go away meanwhile.
+        const Synchronizer::DisablerLocker own(getSynchronizer(), nullptr);
         if (AbstractOutputPin* output = getOutputPin()) output->detach(*this, false);
     }
 
  private:
+    using Strategy = std::unique_ptr<AbstractBufferStrategy<Sample>>;
+
     [[nodiscard]] BufferFamily chooseFamily() const {
         const AbstractOutputPin* output = getOutputPin();
         if (output == nullptr) return BufferFamily::kSimple;
@@ -108,16 +124,17 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
         return filter == nullptr ? nullptr : filter->getManager();
     }
 
-    void chooseStrategy() {
-        // The old buffer goes first: two large ones need not fit beside each other.
-        strategy_.reset();
+    /// Replaces the buffer strategy by the one that settings and connection ask for.
+    void rebuild() {
         const BufferFamily family = chooseFamily();
-        strategy_ = makeBufferStrategy<Sample>(family, getBuffer(), getSynchronizer());
+        // Made before the present one goes, which stays in use when memory runs out.
+        Strategy made = makeBufferStrategy<Sample>(family, getBuffer(), getSynchronizer());
+        strategy_ = std::move(made);
         handsOutForeignSample_ = family == BufferFamily::kSimple && getBuffer().size == 1;
         InputPinBase::clear();
     }
 
-    std::unique_ptr<AbstractBufferStrategy<Sample>> strategy_;
+    Strategy strategy_;
     const Sample* lastSample_ = nullptr;
     double lastTime_ = 0.0;
     Sample ownSample_;

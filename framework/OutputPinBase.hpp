@@ -49,13 +49,15 @@ class QUORIL_TEMPLATE_API OutputPinBase : public AbstractOutputPin {
         const Synchronizer::DisablerLocker lock(getSynchronizer(), input.getSynchronizer());
         if (input.getOutputPin() != nullptr || attached_.contains(typed))
             throw Poco::ExistsException();
+        // The place in the set comes first: nothing may fail once the input pin is connected.
+        std::set<Input*> place{typed};
         bool isDirect = false;
         if (!skipNotification) {
             isDirect = true;
             notifyAttached(input, isDirect);
         }
         typed->setOutputPin(this, isDirect);
-        attached_.insert(typed);
+        attached_.merge(place);
     }
 
     void detach(AbstractInputPin& input, bool onlyIfSynchronous) override {
@@ -86,6 +88,8 @@ class QUORIL_TEMPLATE_API OutputPinBase : public AbstractOutputPin {
 
  protected:
     void disconnectAll() {
+        // Under the own side's lock no attached pin can go away meanwhile.
+        const Synchronizer::DisablerLocker own(getSynchronizer(), nullptr);
         while (!attached_.empty())
             OutputPinBase::detach(**attached_.begin(), false);
     }

@@ -43,8 +43,7 @@ void AbstractInputPin::setIsBlocking(bool isBlocking) {
     if (isBlocking == isBlocking_) return;
     const Synchronizer::DisablerLocker both(
         outputPin_ == nullptr ? nullptr : outputPin_->getSynchronizer(), getSynchronizer());
-    isBlocking_ = isBlocking;
-    rebuildBufferStrategy();
+    rebuildWith(isBlocking_, isBlocking);
 }
 
 void AbstractInputPin::setBuffer(const BufferSettings& settings) {
@@ -55,9 +54,20 @@ void AbstractInputPin::setBuffer(const BufferSettings& settings) {
     const Synchronizer::DisablerLocker own(getSynchronizer(), nullptr);
     const Synchronizer::DisablerLocker both(
         outputPin_ == nullptr ? nullptr : outputPin_->getSynchronizer(), getSynchronizer());
-    settings_ = settings;
-    rebuildBufferStrategy();
+    rebuildWith(settings_, settings);
     Topology::markChanged();
+}
+
+template <class Setting>
+void AbstractInputPin::rebuildWith(Setting& setting, const Setting& value) {
+    const Setting before = setting;
+    setting = value;
+    try {
+        rebuildBufferStrategy();
+    } catch (...) {
+        setting = before;
+        throw;
+    }
 }
 
 PinCounters AbstractInputPin::getCounters() const noexcept {
@@ -66,7 +76,7 @@ PinCounters AbstractInputPin::getCounters() const noexcept {
             .overwritten = overwritten_.load(std::memory_order_relaxed)};
 }
 
-void AbstractInputPin::storeConnection(AbstractOutputPin* outputPin, bool isDirect) {
+void AbstractInputPin::storeConnection(AbstractOutputPin* outputPin, bool isDirect) noexcept {
     outputPin_ = outputPin;
     isDirect_ = isDirect;
     Topology::markChanged();

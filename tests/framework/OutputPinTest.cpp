@@ -1,4 +1,5 @@
 #include "framework/OutputPin.hpp"
+#include "tests/framework/LockSupport.hpp"
 #include "tests/framework/PinSupport.hpp"
 #include "tests/support/ExpectThrow.hpp"
 
@@ -239,6 +240,30 @@ TEST_F(OutputPinTest, AttachAndDetachWaitForWhoHoldsEitherSide) {
         lock.reset();
         editor.join();
     }
+}
+
+TEST_F(OutputPinTest, MoveToAnotherLayoutWaitsForWhoHoldsAnAttachedPin) {
+    output.attach(input, false);
+    EXPECT_TRUE(FrameworkTest::waitsFor(*sink.getSynchronizer(), [&] { output.managerChanged(); }));
+}
+
+TEST_F(OutputPinTest, PushTakesNoLock) {
+    output.attach(input, false);
+    EXPECT_FALSE(FrameworkTest::waitsFor(*sink.getSynchronizer(), [&] { output.push(1.0); }));
+    EXPECT_FALSE(FrameworkTest::waitsFor(*source.getSynchronizer(), [&] { output.push(2.0); }));
+}
+
+TEST_F(OutputPinTest, ConnectedPinsCanBeDestroyedByTwoThreadsAtOnce) {
+    for (int i = 0; i < 300; ++i) {
+        auto own = std::make_unique<Output>("own", &source);
+        auto peer = std::make_unique<Input>("peer", &sink);
+        own->attach(*peer, false);
+        std::thread other([&] { own.reset(); });
+        peer.reset();
+        other.join();
+    }
+    EXPECT_THAT(source.getOutputPins(), ElementsAre(&output));
+    EXPECT_THAT(sink.getInputPins(), ElementsAre(&input));
 }
 
 TEST_F(OutputPinTest, TwoThreadsThatConnectInOppositeDirectionsDoNotBlockEachOther) {
