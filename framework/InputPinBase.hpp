@@ -62,11 +62,13 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
     /// True while a fetched sample waits to be taken.
     [[nodiscard]] bool hasData() const noexcept { return lastSample_ != nullptr; }
 
-    /// Fetches a sample from the buffer unless one waits already; false when there is none.
+    /// Fetches a sample from the buffer unless one waits already; false when there is none. A
+    /// blocking pin waits for one, and gives up the synchronizer meanwhile: every change of the
+    /// pin ends the wait, BUT THE PIN MUST NOT BE DESTROYED.
     bool fetch() {
         if (lastSample_ != nullptr) return true;
         const Sample* sample = nullptr;
-        if (!strategy_->pop(sample)) return false;
+        if (!pop(sample)) return false;
         countTaken();
         if (handsOutForeignSample_) {
             // The writer may change its sample before this one is taken.
@@ -107,7 +109,7 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
     }
 
  private:
-    using Strategy = std::unique_ptr<AbstractBufferStrategy<Sample>>;
+    using Strategy = std::shared_ptr<AbstractBufferStrategy<Sample>>;
 
     [[nodiscard]] BufferFamily chooseFamily() const {
         const AbstractOutputPin* output = getOutputPin();
@@ -129,15 +131,25 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
         const BufferFamily family = chooseFamily();
         // Made before the present one goes, which stays in use when memory runs out.
         Strategy made = makeBufferStrategy<Sample>(family, getBuffer(), getSynchronizer());
+        if (strategy_) strategy_->clear();
         strategy_ = std::move(made);
+        canWait_ = family == BufferFamily::kSynchronized;
         handsOutForeignSample_ = family == BufferFamily::kSimple && getBuffer().size == 1;
         InputPinBase::clear();
+    }
+
+    bool pop(const Sample*& sample) {
+        if (!canWait_) return strategy_->pop(sample);
+        // An edit may replace the strategy while this thread waits in it.
+        const Strategy present = strategy_;
+        return present->pop(sample) && present == strategy_;
     }
 
     Strategy strategy_;
     const Sample* lastSample_ = nullptr;
     double lastTime_ = 0.0;
     Sample ownSample_;
+    bool canWait_ = false;
     bool handsOutForeignSample_ = false;
 };
 

@@ -32,9 +32,11 @@ class QUORIL_TEMPLATE_API SynchronizedBufferStrategy final : public AbstractBuff
         return buffer_.pop(sample);
     }
 
+    /// Sends a waiting reader home too: the buffer may be about to go.
     void clear() override {
         const Poco::FastMutex::ScopedLock lock(mutex_);
         buffer_.clear();
+        synchronizer_.signal(event_);
     }
 
     [[nodiscard]] unsigned capacity() const override {
