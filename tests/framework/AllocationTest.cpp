@@ -1,6 +1,7 @@
-#include "tests/framework/AllocationCounter.hpp"
 #include "tests/framework/PinSupport.hpp"
+#include "tests/support/AllocationCount.hpp"
 
+#include <cstddef>
 #include <new>
 
 #include <gtest/gtest.h>
@@ -8,17 +9,24 @@
 namespace Quoril::Core {
 namespace {
 
-using FrameworkTest::allocationsOf;
 using FrameworkTest::Input;
 using FrameworkTest::layout;
 using FrameworkTest::Node;
 using FrameworkTest::Output;
 using FrameworkTest::sample;
 
+/// Number of allocations that the work makes.
+template <class Work>
+std::size_t allocationsOf(Work work) {
+    const Support::AllocationCount allocations;
+    work();
+    return allocations.get();
+}
+
 TEST(Allocation, IsCountedByThisProgram) {
-    EXPECT_GT(allocationsOf([] { ::operator delete(::operator new(8)); }), 0);
-    EXPECT_GT(allocationsOf([] { const Eigen::MatrixXd matrix(3, 1); }), 0);
-    EXPECT_EQ(allocationsOf([] {}), 0);
+    EXPECT_GT(allocationsOf([] { ::operator delete(::operator new(8)); }), 0U);
+    EXPECT_GT(allocationsOf([] { const Eigen::MatrixXd matrix(3, 1); }), 0U);
+    EXPECT_EQ(allocationsOf([] {}), 0U);
 }
 
 struct Way {
@@ -77,8 +85,8 @@ TEST_P(WarmPin, HandsSamplesOverWithoutAllocating) {
     output.getValue() = sample(0).value;
     // Bursts longer than the buffer: the overwriting of samples is warm too.
     run(/*bursts=*/3, /*burst=*/70);
-    EXPECT_EQ(allocationsOf([&] { run(/*bursts=*/50, /*burst=*/1); }), 0);
-    EXPECT_EQ(allocationsOf([&] { run(/*bursts=*/20, /*burst=*/70); }), 0);
+    EXPECT_EQ(allocationsOf([&] { run(/*bursts=*/50, /*burst=*/1); }), 0U);
+    EXPECT_EQ(allocationsOf([&] { run(/*bursts=*/20, /*burst=*/70); }), 0U);
     EXPECT_GT(sum, 0.0);
 }
 

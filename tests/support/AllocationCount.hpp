@@ -5,8 +5,8 @@
 namespace Support {
 
 /// Counts what the program allocates on the heap, in all threads, during its scope: operator new
-/// and malloc (which Eigen calls for its matrices). Needs AllocationCount.cpp in the program and
-/// the linker's option --wrap=malloc.
+/// and malloc (which Eigen calls for its matrices). Comes with the library
+/// test_allocation_count.
 class AllocationCount {
  public:
     AllocationCount();
