@@ -43,6 +43,8 @@ std::optional<Problem> setValue(PropertyBag& bag, const SavedValue& value) {
         return Problem{value.name, error.displayText()};
     } catch (const std::exception& error) {
         return Problem{value.name, error.what()};
+    } catch (...) {
+        return Problem{value.name, "unknown error"};
     }
 }
 

@@ -50,6 +50,7 @@ class GrowingFilter final : public Filter {
     void onName(const std::string& name) {
         order.push_back(name);
         if (name == "bad") throw Poco::DataException("bad name");
+        if (name == "odd") throw 5;
     }
     void onRecord(const bool& /*isOn*/) { ++recordCalls; }
 
@@ -110,6 +111,15 @@ TEST(PropertyStoreTest, CollectsRefusalsAndGoesOn) {
     EXPECT_EQ(problems[1].name, "Gone");
     EXPECT_EQ(problems[1].text, "No such property");
     EXPECT_EQ(filter.names[1]->get(), "good");
+}
+
+TEST(PropertyStoreTest, ErrorOfAnyKindIsAProblemOfItsProperty) {
+    GrowingFilter filter("filter");
+    const auto problems =
+        PropertyStore::restore(filter, {{"Pins Number", "1"}, {"ColNames#1", "odd"}});
+    ASSERT_EQ(problems.size(), 1U);
+    EXPECT_EQ(problems[0].name, "ColNames#1");
+    EXPECT_EQ(problems[0].text, "unknown error");
 }
 
 TEST(PropertyStoreTest, ValueOutOfRangeIsAProblemOfItsProperty) {
