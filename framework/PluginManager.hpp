@@ -27,6 +27,7 @@ class QUORIL_CORE_API PluginManager {
 
     /// Destroys the plug-in's filters, then withdraws its factories. A plug-in that is not
     /// installed is ignored.
+    /// @throws whatever the plug-in's uninstall() throws; the plug-in is withdrawn all the same
     void uninstallPlugin(Plugin& plugin);
 
     /// In the order of installation.

@@ -1,5 +1,9 @@
 #include "host/PluginLoader.hpp"
 
+#include "framework/FlowManager.hpp"
+#include "framework/PluginManager.hpp"
+#include "host/EditGate.hpp"
+
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -70,7 +74,7 @@ class Module {
 
     ~Module() {
         // A plug-in that refuses to stop is unloaded all the same: nothing else is left to do.
-        tryTo([this] { stop_(); });
+        stop();
         library_.unload();
     }
 
@@ -94,16 +98,37 @@ class Module {
     }
 
     void start() {
+        // Nobody else installs plug-ins meanwhile.
+        const EditGate gate;
+        const std::vector<Plugin*> before = manager().getPlugins();
         const std::string cause = tryTo(start_);
+        for (Plugin* plugin : manager().getPlugins())
+            if (!contains(before, plugin)) plugins_.push_back(plugin);
         if (cause.empty()) return;
         // A failed start may have left the plug-in half installed.
-        tryTo(stop_);
+        stop();
         refuse(path_, "its plug-in did not start (" + cause + ")");
+    }
+
+    void stop() {
+        const EditGate gate;
+        tryTo(stop_);
+        // What the module left behind would call code that is no longer there.
+        for (Plugin* plugin : plugins_)
+            if (contains(manager().getPlugins(), plugin))
+                tryTo([plugin] { manager().uninstallPlugin(*plugin); });
+    }
+
+    static PluginManager& manager() { return FlowManager::instance().getPluginManager(); }
+
+    static bool contains(const std::vector<Plugin*>& plugins, const Plugin* plugin) {
+        return std::find(plugins.begin(), plugins.end(), plugin) != plugins.end();
     }
 
     const std::string path_;
     const fs::path identity_;
     Poco::SharedLibrary library_;
+    std::vector<Plugin*> plugins_;  ///< installed by the start
     void (*start_)() = nullptr;
     void (*stop_)() = nullptr;
     const char* (*version_)() = nullptr;

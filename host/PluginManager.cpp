@@ -90,7 +90,13 @@ void PluginManager::uninstallPlugin(Plugin& plugin) {
         factories = found->factories;
     }
     FlowRegistry::instance().removeFiltersOf(factories);
-    plugin.uninstall();
+    try {
+        plugin.uninstall();
+    } catch (...) {
+        // Its code may be about to go: nothing of it must stay, whatever it says.
+        impl_->withdraw(plugin);
+        throw;
+    }
     impl_->withdraw(plugin);
 }
 

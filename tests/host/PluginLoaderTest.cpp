@@ -168,6 +168,19 @@ TEST(PluginLoaderTest, ModuleThatRefusesToStopIsUnloadedAllTheSame) {
     EXPECT_FALSE(isInMemory(modulePath("Stubborn")));
 }
 
+TEST(PluginLoaderTest, WhatAModuleLeavesInstalledIsTakenOutBeforeItsCodeGoes) {
+    PluginManager& manager = FlowManager::instance().getPluginManager();
+    const InstalledTestPlugin installed;
+    PluginLoader loader;
+    loader.load(modulePath("Stubborn"));
+    Flow flow;
+    flow.addFilter("StubbornFilter", "filter", flow.addLayout("main"));
+    loader.unload(modulePath("Stubborn"));
+    EXPECT_TRUE(flow.getFilters().empty());
+    EXPECT_EQ(manager.findFilterFactory("StubbornFilter"), nullptr);
+    EXPECT_THAT(manager.getPlugins(), ElementsAre(&installed.plugin));
+}
+
 TEST(PluginLoaderTest, UnloadOfAnUnknownModuleIsAnError) {
     PluginLoader loader;
     EXPECT_THROW(loader.unload("/nowhere/module.so"), Poco::NotFoundException);

@@ -49,6 +49,22 @@ TEST(PluginManagerTest, UninstalledPluginLeavesNothing) {
     EXPECT_TRUE(classNamesOf("Test").empty());
 }
 
+TEST(PluginManagerTest, PluginThatFailsToUninstallIsWithdrawnAllTheSame) {
+    class Failing final : public DefaultPlugin {
+     public:
+        Failing() : DefaultPlugin("Failing", "1") {
+            addFilterFactory(
+                std::make_unique<FilterFactory<TestSink>>(getName(), ComponentVersion("1")));
+        }
+        void uninstall() override { throw Poco::IOException("no"); }
+    } plugin;
+    manager().installPlugin(plugin);
+    EXPECT_THROW(manager().uninstallPlugin(plugin), Poco::IOException);
+    EXPECT_THAT(manager().getPlugins(), Not(Contains(&plugin)));
+    EXPECT_EQ(manager().findFilterFactory("TestSink"), nullptr);
+    manager().uninstallPlugin(plugin);
+}
+
 TEST(PluginManagerTest, UnknownPluginIsIgnoredAtUninstall) {
     TestPlugin plugin;
     manager().uninstallPlugin(plugin);
