@@ -22,8 +22,8 @@ class QUORIL_CORE_API AbstractOutputPin : public virtual Pin {
     /// @throws std::bad_alloc; nothing is connected then
     virtual void attach(AbstractInputPin& input, bool skipNotification) = 0;
 
-    /// Disconnects an input pin; one that is not attached here is ignored. Never fails
-    /// for want of memory.
+    /// Disconnects an input pin; one that is not attached here is ignored. Never fails for want of
+    /// memory.
     /// @param onlyIfSynchronous  true: leaves a connection between two threads alone
     virtual void detach(AbstractInputPin& input, bool onlyIfSynchronous) = 0;
 

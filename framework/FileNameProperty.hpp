@@ -12,7 +12,7 @@ class QUORIL_CORE_API FileNameProperty : public StringProperty {
 
     void accept(Util::System::AbstractVisitor& visitor) const override;
 
-    /// Which files an editor offers, e.g. "*".
+    /// Which files an editor offers, e.g. "*". Read under the synchronizer, as the hints.
     [[nodiscard]] const std::string& getFilter() const { return filter_; }
     void setFilter(const std::string& filter);
 

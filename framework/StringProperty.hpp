@@ -20,6 +20,7 @@ class QUORIL_CORE_API StringProperty : public ValueProperty<std::string> {
     [[nodiscard]] std::string get() const;
 
     void setExpandVariables(bool expand);
+    /// Read under the synchronizer.
     [[nodiscard]] bool getExpandVariables() const { return expandVariables_; }
 
  private:
