@@ -14,8 +14,9 @@ class AbstractType {
     AbstractType(const AbstractType&) = delete;
     AbstractType& operator=(const AbstractType&) = delete;
 
-    /// The value as text of the type: fixed notation with `precision` digits after the point,
-    /// integers as decimal numbers, characters as the character, bool as "1" or "0".
+    /// The value as text of the type: fixed notation with `precision` digits after the point
+    /// (1074 at most, 6 when it is negative), integers as decimal numbers, characters as the
+    /// character, bool as "1" or "0".
     /// @throws Poco::RangeException if the value does not fit the type once truncated toward zero
     [[nodiscard]] virtual std::string toText(const Poco::Dynamic::Var& value,
                                              int precision) const = 0;

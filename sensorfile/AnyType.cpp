@@ -1,8 +1,10 @@
 #include "sensorfile/AnyType.hpp"
 
 #include "sensorfile/ColumnType.hpp"
+#include "sensorfile/NumberText.hpp"
 #include "sensorfile/ValueCast.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <locale>
@@ -32,7 +34,7 @@ std::string AnyType<T>::toText(const Poco::Dynamic::Var& value, int precision) c
     std::ostringstream text;
     text.imbue(std::locale::classic());
     text << std::fixed;
-    text.precision(precision);
+    text.precision(std::min(precision, kMaxDecimals));  // streams take the room on the stack
     text << valueAs<T>(value);
     return text.str();
 }

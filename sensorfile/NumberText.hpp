@@ -17,6 +17,9 @@ inline constexpr std::size_t kMaxNumberText = 352;
 /// Decimals beyond this are not written: the text stays within kMaxNumberText.
 inline constexpr int kMaxPrecision = 20;
 
+/// A double has no more decimals than these; further ones are zeros.
+inline constexpr int kMaxDecimals = 1074;
+
 /// Writes value as a classic-locale stream does with std::fixed and std::setprecision(precision).
 /// With trimZeros a text that has a '.' loses its trailing zeros, and then a trailing '.':
 /// "1.50000" becomes "1.5", "-0.00000" becomes "-0". NaN and infinity give "nan", "-nan", "inf" and

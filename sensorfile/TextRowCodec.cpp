@@ -17,8 +17,6 @@ namespace SensorFile {
 namespace {
 
 constexpr int kNoColumns = 0;
-/// A double has no more decimals than these; further ones are zeros, which are trimmed anyway.
-constexpr int kMaxDecimals = 1074;
 /// A sign, the digits of the largest double and the point.
 constexpr std::size_t kMaxIntegerText = 1 + 309 + 1;
 
@@ -108,7 +106,7 @@ const char* parseValue(int typeCode, const char* first, const char* last, double
 TextRowCodec::TextRowCodec() : typeCodes_{kNoColumns}, maxValueSize_(kMaxNumberText) {}
 
 TextRowCodec::TextRowCodec(const SensorFileConfig& config)
-    : precision_(std::min(config.getDoublePrecision(), kMaxDecimals)),
+    : precision_(std::min(config.getDoublePrecision(), kMaxDecimals)),  // zeros are trimmed anyway
       maxValueSize_(std::max(kMaxNumberText,
                              kMaxIntegerText + static_cast<std::size_t>(std::max(precision_, 0)))) {
     for (std::size_t i = 0; i < config.getColumnCount(); ++i) {

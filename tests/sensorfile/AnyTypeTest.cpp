@@ -45,6 +45,14 @@ TEST(AnyTypeTest, TextHasTheGivenPrecisionAndNoPointForIntegers) {
     EXPECT_EQ(AnyType<bool>().toText(Var(0.0), 5), "0");
 }
 
+TEST(AnyTypeTest, TextHasNoMoreDigitsThanADoubleCanFill) {
+    constexpr int kDigits = 1074;
+    const std::string text = AnyType<double>().toText(Var(0.5), 2'000'000'000);
+    EXPECT_EQ(text, "0.5" + std::string(kDigits - 1, '0'));
+    EXPECT_EQ(AnyType<double>().toText(Var(std::numeric_limits<double>::denorm_min()), 1075),
+              AnyType<double>().toText(Var(std::numeric_limits<double>::denorm_min()), kDigits));
+}
+
 TEST(AnyTypeTest, TextDoesNotDependOnTheProcessLocale) {
     const CommaLocale comma;
     EXPECT_EQ(AnyType<double>().toText(Var(1234567.25), 2), "1234567.25");

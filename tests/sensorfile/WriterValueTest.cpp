@@ -184,6 +184,7 @@ TEST_F(WriterValueTest, TextPrecisionIsTheConfigurations) {
         open(config, false);
         writer.write(3.14159265358979323846);
         writer.write(2);
+        EXPECT_EQ(writer.formatValue(0, 3.14159265358979323846, false), expected);
         EXPECT_EQ(closedSamples(), std::string(expected) + "\t2\t\n") << precision;
     }
 }
