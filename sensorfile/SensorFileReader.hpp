@@ -36,7 +36,8 @@ class SensorFileReader : public SensorFileIo {
     /// After any exception the reader is closed, as if never opened.
     void open(const std::string& path, bool binary);
 
-    /// Reads values in column order, each converted from its column's type to T.
+    /// Reads values in column order, each converted from its column's type to T; floating point
+    /// numbers are truncated toward zero for integers.
     /// @param values room for `count` values
     /// @return false if closed; true otherwise, also when the values ran short: test isEof()
     /// @throws Poco::RangeException if a value does not fit T (never for double); the position is

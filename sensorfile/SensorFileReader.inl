@@ -1,8 +1,21 @@
 #pragma once
 
 #include "sensorfile/SensorFileReader.hpp"
+#include "sensorfile/ValueCast.hpp"
 
 namespace SensorFile {
+namespace Internal {
+
+/// POCO's own conversion of floating point numbers refuses some values that fit once truncated,
+/// and is undefined for NaN.
+template <typename T>
+T numberIn(const Poco::Dynamic::Var& value) {
+    if (value.type() == typeid(float)) return fitCast<T>(value.extract<float>());
+    if (value.type() == typeid(double)) return fitCast<T>(value.extract<double>());
+    return value.convert<T>();
+}
+
+}  // namespace Internal
 
 /// The usual case of a binary file: the whole row is in memory. No stream is asked then, since one
 /// that has failed has left nothing in memory. False leaves everything as it was.
@@ -36,7 +49,7 @@ bool SensorFileReader::read(T* values, std::size_t count) {
             values[i] = readTyped<T>();
         } else {
             Poco::Dynamic::Var value;
-            values[i] = readValue(value) ? value.convert<T>() : T{};
+            values[i] = readValue(value) ? Internal::numberIn<T>(value) : T{};
         }
     }
     return true;

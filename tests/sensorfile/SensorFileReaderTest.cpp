@@ -257,6 +257,35 @@ TEST_F(ReaderTest, ReadConvertsToTheAskedType) {
     EXPECT_EQ(direct, 7);
 }
 
+TEST_F(ReaderTest, ReadTruncatesNumbersThatFitTheAskedTypeThen) {
+    openText({9, 9, 8, 9}, "-32768.9\t-0.5\t-0.5\t-9223372036854775808\t\n");
+    short least = 0;
+    unsigned fromDouble = 1;
+    unsigned fromFloat = 1;
+    std::int64_t large = 0;
+    EXPECT_TRUE(reader.read(&least, 1));
+    EXPECT_TRUE(reader.read(&fromDouble, 1));
+    EXPECT_TRUE(reader.read(&fromFloat, 1));
+    EXPECT_TRUE(reader.read(&large, 1));
+    EXPECT_EQ(least, -32768);
+    EXPECT_EQ(fromDouble, 0U);
+    EXPECT_EQ(fromFloat, 0U);
+    EXPECT_EQ(large, std::numeric_limits<std::int64_t>::min());
+}
+
+TEST_F(ReaderTest, ReadRefusesNumbersThatNoIntegerHolds) {
+    openText({9, 8, 9, 9}, "nan\tinf\t9223372036854775808\t18446744073709551616\t\n");
+    int number = 0;
+    std::int64_t large = 0;
+    std::uint64_t larger = 0;
+    EXPECT_THROW(reader.read(&number, 1), Poco::RangeException);
+    EXPECT_THROW(reader.read(&number, 1), Poco::RangeException);
+    EXPECT_THROW(reader.read(&large, 1), Poco::RangeException);
+    EXPECT_THROW(reader.read(&larger, 1), Poco::RangeException);
+    EXPECT_EQ(reader.valueCount(), 4U);
+    EXPECT_FALSE(reader.isEof());
+}
+
 TEST_F(ReaderTest, ReadTakesEveryTypeDirectly) {
     openBinary({2, 3, 4, 6, 7, 8, 10, 15, 16},
                "ff ff ffff ffffffff ffffffff 3fc00000 03 ffffffffffffffff ffffffffffffffff");
