@@ -10,6 +10,7 @@
 #include <limits>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <Poco/Exception.h>
@@ -23,6 +24,8 @@ using Traits = std::istream::traits_type;
 constexpr std::size_t kMaxWord = std::size_t{64} * 1024;
 /// Rows times columns of a matrix stay below this.
 constexpr std::int64_t kMaxElements = std::numeric_limits<std::int32_t>::max();
+
+constexpr const char* kCalibValue = "a calibration value";
 
 bool isBlank(int c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -143,11 +146,16 @@ int TextSectionReader::takeDatePart() {
     return part < -1 || part > 1'000'000 ? -1 : static_cast<int>(part);
 }
 
-double TextSectionReader::takeDouble(const char* what) {
+/// A whole word: of "1,5" or "3.7" for an integer nothing is taken, rather than the beginning.
+template <typename T>
+T TextSectionReader::takeNumber(const char* what) {
     const std::string word = takeNumberWord();
-    double value = 0;
-    const auto result = parseDouble(word.data(), word.data() + word.size(), value);
-    if (result.ec != std::errc{}) throw FormatException(std::string("no number for ") + what);
+    const char* const last = word.data() + word.size();
+    T value{};
+    const auto result = parse(word.data(), last, value);
+    if (result.ec != std::errc{} || result.ptr != last) {
+        throw FormatException(std::string("no number for ") + what);
+    }
     return value;
 }
 
@@ -166,7 +174,7 @@ SectionDate TextSectionReader::takeDate() {
 void TextSectionReader::readHeader() {
     config_.setCreationTime(takeDate().toDateTime());
     skipWords(2);
-    config_.setSampleFrequency(takeDouble("the sample frequency"));
+    config_.setSampleFrequency(takeNumber<double>("the sample frequency"));
     skipWords(1);
     const std::int64_t count = takeInteger("the column count");
     if (count < 0) throw FormatException("column count is negative");
@@ -184,6 +192,9 @@ void TextSectionReader::readCalib() {
     config_.setCalibTime(takeDate().toDateTime());
     skipWords(2);
     const std::int64_t format = takeInteger("the calibration format");
+    if (!std::in_range<std::uint16_t>(format)) {
+        throw FormatException("calibration format does not fit its 16 bits");
+    }
     config_.setCalibFormat(static_cast<std::uint16_t>(format));
     skipWords(4);
     if (isBareCalibVersion(config_.getCalibVersion())) {
@@ -225,7 +236,7 @@ void TextSectionReader::readMatrix(const std::string& name, std::int64_t rows, s
     }
     std::vector<T> values;
     for (std::int64_t i = 0; i < rows * cols; ++i)
-        values.push_back(takeElement<T>());
+        values.push_back(takeNumber<T>(kCalibValue));
     using Matrix = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic>;
     using RowByRow = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
     config_.addCalibData(
@@ -233,22 +244,12 @@ void TextSectionReader::readMatrix(const std::string& name, std::int64_t rows, s
                                                 static_cast<Eigen::Index>(cols))));
 }
 
-template <typename T>
-T TextSectionReader::takeElement() {
-    const std::string word = takeNumberWord();
-    T value{};
-    if (parse(word.data(), word.data() + word.size(), value).ec != std::errc{}) {
-        throw FormatException("no number for a calibration value");
-    }
-    return value;
-}
-
 void TextSectionReader::readBareValues() {
     const std::int64_t count = takeInteger("the count of calibration values");
     if (count < 0) throw FormatException("count of calibration values is negative");
     BareCalibValues values(config_, config_.getCalibVersion());
     for (std::int64_t i = 0; i < count; ++i)
-        values.add(takeElement<double>());
+        values.add(takeNumber<double>(kCalibValue));
 }
 
 }  // namespace SensorFile

@@ -40,13 +40,12 @@ class TextSectionReader {
     std::string takeField();
     std::int64_t takeInteger(const char* what);
     int takeDatePart();
-    double takeDouble(const char* what);
+    template <typename T>
+    T takeNumber(const char* what);
     SectionDate takeDate();
     void readRecord();
     template <typename T>
     void readMatrix(const std::string& name, std::int64_t rows, std::int64_t cols);
-    template <typename T>
-    T takeElement();
     void readBareValues();
 
     std::istream& stream_;

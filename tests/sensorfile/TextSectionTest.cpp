@@ -160,6 +160,8 @@ TEST(TextHeaderTest, WhatCannotBeUnderstoodIsNamed) {
     EXPECT_THROW_MESSAGE(readText(opening + "x"), FormatException, "no number for a date");
     EXPECT_THROW_MESSAGE(readText(opening + "1/2/2017 1:2:3 a b c"), FormatException,
                          "no number for the sample frequency");
+    EXPECT_THROW_MESSAGE(readText(opening + "1/2/2017 1:2:3 a b 200,5 (Hz)\n0 c:\t"),
+                         FormatException, "no number for the sample frequency");
     EXPECT_THROW_MESSAGE(readText(std::string(kHeaderStart) + "x"), FormatException,
                          "no number for the column count");
     EXPECT_THROW_MESSAGE(readText(std::string(kHeaderStart) + "-1 column(s):\t"), FormatException,
@@ -309,6 +311,17 @@ TEST(TextCalibTest, OtherElementTypesAreRefused) {
                          "Data type format is not supported!");
 }
 
+TEST(TextCalibTest, AFormatNumberBeyondSixteenBitsIsRefused) {
+    for (const char* number : {"65536", "65538", "-1"}) {
+        EXPECT_THROW_MESSAGE(
+            readText(kCalibOpening + "a b 1/2/2017 1:2:3 a b " + number + " a b c d 0\t\n"),
+            FormatException, "calibration format does not fit its 16 bits");
+    }
+    EXPECT_EQ(
+        readText(kCalibOpening + "a b 1/2/2017 1:2:3 a b 65535 a b c d 0\t\n").getCalibFormat(),
+        65535);
+}
+
 TEST(TextCalibTest, WhatCannotBeUnderstoodIsNamed) {
     const std::string start = kCalibOpening + "a b 1/2/2017 1:2:3 a b 2 a b c d ";
     const std::pair<const char*, const char*> cases[] = {
@@ -328,6 +341,9 @@ TEST(TextCalibTest, WhatCannotBeUnderstoodIsNamed) {
         {"1\t\nG\tdouble\t(65536, 65536)", "a matrix has an impossible size"},
         {"1\t\nG\tdouble\t(30000, 30000)\t\n1\t", "no number for a calibration value"},
         {"1\t\nG\tint32\t(1, 1)\t\n2147483648\t", "no number for a calibration value"},
+        {"1\t\nG\tint32\t(1, 1)\t\n3.7\t", "no number for a calibration value"},
+        {"1\t\nG\tdouble\t(1, 1)\t\n1.5x\t", "no number for a calibration value"},
+        {"1\t\nG\tdouble\t(1, 2)\t\n1,5\t2\t", "no number for a calibration value"},
     };
     for (const auto& [rest, message] : cases) {
         EXPECT_THROW_MESSAGE(readText(start + rest), FormatException, message);
