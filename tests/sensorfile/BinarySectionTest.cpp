@@ -209,6 +209,17 @@ TEST(BinaryOpeningTest, IdsSelectTheSection) {
     EXPECT_EQ(readBinary(kMagic + bytes("8037 0100")).section, 3);
 }
 
+TEST(BinaryOpeningTest, TheVersionOfEachSectionIsKept) {
+    SensorFileConfig config;
+    std::istringstream in(kMagic + bytes("8034 1234") + kMagic + bytes("8036 5678") + kMagic +
+                          bytes("8035 9abc"));
+    for (int section = 0; section < 3; ++section)
+        EXPECT_EQ(config.readSectionId(in, true), section);
+    EXPECT_EQ(config.getHeaderVersion(), 0x1234);
+    EXPECT_EQ(config.getCalibVersion(), 0x5678);
+    EXPECT_EQ(config.getDataVersion(), 0x9abc);
+}
+
 TEST(BinaryOpeningTest, AnythingElseIsNotRecognised) {
     const std::string opening = kMagic + bytes("8035 0100");
     for (std::size_t cut = 0; cut < opening.size(); ++cut) {
@@ -316,6 +327,19 @@ TEST(BareCalibTest, ValuesBecomeGainsColumnByColumnAndOffsets) {
         EXPECT_EQ(doublesOf(config, 1), Eigen::RowVector3d(10, 11, 12));
         EXPECT_EQ(doublesOf(config, 4), (gain.array() + 24).matrix());
         EXPECT_EQ(doublesOf(config, 5), Eigen::RowVector3d(34, 35, 36));
+    }
+}
+
+TEST(BareCalibTest, EveryVersionBelow0200HoldsBareValuesAndAllOthersBut8101NamedOnes) {
+    for (const int version : {0x0000, 0x0100, 0x0102, 0x01ff}) {
+        const auto config = readBinary(bareSection(version, 12)).config;
+        ASSERT_EQ(config.getCalibCount(), 2U) << version;
+        EXPECT_EQ(config.getCalibName(0), "Gain1");
+    }
+    for (const int version : {0x0200, 0x0201, 0x8100, 0x8102, 0xffff}) {
+        const auto config = readBinary(bareSection(version, 12)).config;
+        ASSERT_EQ(config.getCalibCount(), 1U) << version;
+        EXPECT_EQ(config.getCalibName(0), "values");
     }
 }
 

@@ -66,6 +66,20 @@ TEST_F(ReaderOpeningTest, ACalibrationFileHoldsItsRecordsAndNoSamples) {
     }
 }
 
+TEST_F(ReaderOpeningTest, RewindGoesToTheEndOfTheSectionOfACalibrationFile) {
+    SensorFileConfig config;
+    config.setCalibOnly(true);
+    config.setCalibTime({2017, 1, 2});
+    config.addCalibData("G", Eigen::MatrixXd::Ones(1, 1));
+    const std::string section = openingOf(config, true);
+    file.setContent(section + bytes("07"));
+    reader.open(file.path(), true);
+    EXPECT_TRUE(reader.isEof());
+    reader.rewind();
+    EXPECT_EQ(reader.position(), static_cast<std::int64_t>(section.size()));
+    EXPECT_EQ(reader.readByte(), 7);
+}
+
 TEST_F(ReaderOpeningTest, ASectionBehindACalibrationFileIsAFormatError) {
     for (const bool binary : {false, true}) {
         SensorFileConfig config;
@@ -189,6 +203,16 @@ TEST_F(ReaderOpeningTest, UnknownTypesKeepTheirMessage) {
     file.setContent(header + dataBytes(config));
     EXPECT_THROW_MESSAGE(reader.open(file.path(), true), Poco::DataException,
                          "Column type is not compatible with SensorFile format");
+    expectClosed();
+}
+
+TEST_F(ReaderOpeningTest, RecordsOfUnknownElementsKeepTheirMessage) {
+    const auto config = configOfTypes({9});
+    std::string calib = calibText(config);
+    calib.replace(calib.rfind("0\t"), 2, "1\t\nG\tfloat\t(1, 1)");
+    file.setContent(headerText(config) + calib + dataText(config));
+    EXPECT_THROW_MESSAGE(reader.open(file.path(), false), Poco::DataException,
+                         "Data type format is not supported!");
     expectClosed();
 }
 

@@ -184,6 +184,27 @@ TEST(TextOpeningTest, IdsSelectTheSection) {
     EXPECT_EQ(sectionOf("Header id: \taf243246\t56fe1289\t9078bc29\t80370100\t\n"), 3);
 }
 
+TEST(TextOpeningTest, TheVersionOfEachSectionIsKept) {
+    auto config = configOf({});
+    config.setHeaderVersion(0x0001);
+    config.setCalibVersion(0x0234);
+    config.setDataVersion(0xfedc);
+    std::istringstream in(openingOf(config, false));
+    SensorFileConfig read;
+    EXPECT_EQ(read.readSectionId(in, false), SensorFileConfig::kHeaderSection);
+    EXPECT_TRUE(read.readColumns(in, false));
+    EXPECT_EQ(read.readSectionId(in, false), SensorFileConfig::kCalibSection);
+    EXPECT_TRUE(read.readCalibSection(in, false));
+    EXPECT_EQ(read.readSectionId(in, false), SensorFileConfig::kDataSection);
+    EXPECT_EQ(read.getHeaderVersion(), 0x0001);
+    EXPECT_EQ(read.getCalibVersion(), 0x0234);
+    EXPECT_EQ(read.getDataVersion(), 0xfedc);
+}
+
+TEST(TextOpeningTest, WhatFollowsTheVersionInItsWordIsNotRead) {
+    EXPECT_EQ(sectionOf("Data id: af243246 56fe1289 9078bc29 80350100x"), 2);
+}
+
 TEST(TextOpeningTest, AnythingElseIsNotRecognised) {
     for (const char* text :
          {"", " ", "Header", "Header id:", "Header id: \taf243246\t56fe1289\t9078bc29\t",
