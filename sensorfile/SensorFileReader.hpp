@@ -22,7 +22,8 @@ namespace SensorFile {
 /// Reads a sensor file: open(), values or rows until isEof(), close().
 ///
 /// Reading past the end does not throw: the values carry no meaning and isEof() turns true. So it
-/// does after text that is no number, so that every loop ends.
+/// does after text that is no number, so that every loop ends. A device that cannot be read is told
+/// by Poco::FileException from any read.
 /// Not thread-safe: one thread at a time uses a reader.
 class SensorFileReader : public SensorFileIo {
  public:
@@ -50,7 +51,7 @@ class SensorFileReader : public SensorFileIo {
     /// @param row one value per column
     /// @return false if closed, without columns, or when the rows have ended: isEof() is then true
     ///         and the values carry no meaning. A row that runs into the end of the file without
-    ///         its last separator may be torn and is not delivered
+    ///         its last separator may be torn and is not delivered (a character is always whole)
     /// @throws Poco::InvalidArgumentException if the size differs from the column count
     /// @throws Poco::IllegalStateException if a row has been begun value by value
     bool readRow(std::span<double> row);

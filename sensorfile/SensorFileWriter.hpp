@@ -84,9 +84,12 @@ class SensorFileWriter : public SensorFileIo {
 
     /// Text encoding: appends a formatted value and a TAB, and in the last column a line end. Does
     /// not move on to the next column; write() does.
+    /// @throws Poco::InvalidAccessException if closed
+    /// @throws Poco::FileException if the file cannot take more
     void writeText(std::string_view text);
 
     /// Binary primitives: big-endian, without separators, outside the count of values.
+    /// @throws as writeText()
     void writeByte(std::uint8_t value);
     void writeUInt16(std::uint16_t value);
     void writeUInt32(std::uint32_t value);

@@ -146,6 +146,11 @@ TEST_F(ReaderTest, ATornLastValueIsNotDelivered) {
     EXPECT_EQ(rows(), (Rows{{1}}));
 }
 
+TEST_F(ReaderTest, ALastCharacterIsWholeWithoutItsSeparator) {
+    openText({9, 2}, "1\tA\t\n2\tB");
+    EXPECT_EQ(rows(), (Rows{{1, 65}, {2, 66}}));
+}
+
 TEST_F(ReaderTest, NumbersThatAreNotFiniteReadBack) {
     openText({9, 8}, "nan\tinf\t\n-inf\t-nan\t\n");
     const auto read = rows();

@@ -250,6 +250,7 @@ TEST_F(WriterTest, FormatValueRendersForAColumn) {
     EXPECT_EQ(writer.formatValue(0, Var(std::nan("")), false), "nan");
     EXPECT_EQ(writer.formatValue(1, Var(300.7), false), "44");
     EXPECT_EQ(writer.formatValue(1, Var(~Poco::UInt64{0}), false), "255");
+    EXPECT_EQ(writer.formatValue(1, Var((Poco::Int64{1} << 53) + 1), false), "1");
     EXPECT_EQ(writer.formatValue(2, Var(200), false), "-56");
     EXPECT_EQ(writer.formatValue(3, Var(65), false), "A");
     EXPECT_EQ(writer.formatValue(4, Var(std::string("-12")), false), "-12");
