@@ -171,6 +171,24 @@ TEST(FullDiskPrimitivesTest, TheyGoOnWhenThereIsSpaceAgain) {
     EXPECT_EQ(file.content(), openingOf(config, true) + bytes("03") + "abc" + bytes("07"));
 }
 
+TEST(FullDiskPrimitivesTest, ARefusedOneDoesNotSwallowTheNext) {
+    const SensorFileConfig config = configOfTypes({9});
+    const TemporaryFile file;
+    SensorFileWriter writer;
+    writer.open(file.path(), config, true, true);
+    {
+        const FileSizeLimit limit(openingOf(config, true).size());
+        const auto fillMemory = [&writer] {
+            for (int i = 0; i < 1'000'000; ++i)
+                writer.writeByte(1);
+        };
+        EXPECT_THROW(fillMemory(), Poco::FileException);
+    }
+    writer.writeByte(7);
+    writer.close();
+    EXPECT_EQ(file.content().back(), '\7');
+}
+
 INSTANTIATE_TEST_SUITE_P(Encodings, FullDiskTest, testing::Bool(),
                          [](const auto& variant) { return variant.param ? "Binary" : "Text"; });
 

@@ -219,6 +219,14 @@ TEST_F(WriterTest, WriteTextEndsTheLineInTheLastColumnAndDoesNotCount) {
     EXPECT_EQ(closedSamples(), "a\tb\t1\tc\t\n2\t\n");
 }
 
+TEST_F(WriterTest, ARefusedValueDoesNotTakeBackTextWrittenBeforeItsRow) {
+    openText({9, 14});
+    writer.writeText("note");
+    writer.write(1);
+    EXPECT_THROW(writer.write(40000), Poco::RangeException);
+    EXPECT_EQ(closedSamples(), "note\t");
+}
+
 TEST_F(WriterTest, WriteTextTakesTextOfAnyLength) {
     openText({9});
     const std::string text(1'000'000, 'x');
@@ -295,6 +303,17 @@ TEST_F(WriterTest, BinaryRowsWaitUntilARowIsHalfASecondYounger) {
     clock.time += 300ms;
     writer.writeRow(row);
     EXPECT_EQ(hexOf(samples()), "000100020003000400050005");
+}
+
+TEST_F(WriterTest, RowsOfTheLastFileDoNotHurryTheNext) {
+    using namespace std::chrono_literals;
+    openBinary({14});
+    writer.write(1);
+    writer.close();
+    clock.time += 1s;
+    openBinary({14});
+    writer.write(2);
+    EXPECT_EQ(samples(), "");
 }
 
 TEST_F(WriterTest, RowsFarFasterThanSensorsShareALookAtTheClock) {
