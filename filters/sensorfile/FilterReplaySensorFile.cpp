@@ -125,6 +125,7 @@ void FilterReplaySensorFile::onReloadFile() {
 void FilterReplaySensorFile::onReplay(const bool& isOn) {
     const FilterGuard::Busy busy(guard_);
     if (isOn) startReplay();
+    isReplaying_ = isOn;
     setConfigurationWritable(!isOn);
     if (isOn) outputs_.sendCalibration(pacing_.getTime());
 }
@@ -244,7 +245,8 @@ void FilterReplaySensorFile::process() {
     Aftermath aftermath;
     {
         const FilterGuard::Call call(guard_);
-        if (call.isBusy()) return;
+        // Tested again, under the mutex: a stop may have come after "Replay" was read.
+        if (call.isBusy() || !isReplaying_) return;
         aftermath = replayRow();
     }
     apply(aftermath);

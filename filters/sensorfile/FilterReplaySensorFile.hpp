@@ -108,6 +108,7 @@ class FilterReplaySensorFile final : public Quoril::Core::Filter {
     std::string timeStampColumn_ = kDefaultTimeStampColumn;
     std::optional<std::size_t> timeStampPin_;
     bool needsReload_ = false;
+    bool isReplaying_ = false;  ///< "Replay", as the calls see it under the mutex
 
     void setUpProperties();
     void registerProperties();

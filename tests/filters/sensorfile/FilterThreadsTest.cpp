@@ -46,6 +46,17 @@ class Caller {
     std::thread thread_;
 };
 
+void writeTenRows(const std::string& file) {
+    SensorFile::SensorFileConfig config;
+    config.addColumn("a", SensorFile::kDouble);
+    config.addColumn("COUNT", SensorFile::kUInt16);
+    SensorFile::SensorFileWriter writer;
+    writer.open(file, config, /*binary=*/true, /*writeHeaders=*/true);
+    for (int i = 0; i < 10; ++i)
+        writer.writeRow(std::vector<double>{0.5 * i, 1.0 * i});
+    writer.close();
+}
+
 }  // namespace
 
 TEST(FilterThreadsTest, RecordingsStayWholeWhileTheyAreSwitchedUnderCalls) {
@@ -82,15 +93,7 @@ TEST(FilterThreadsTest, RecordingsStayWholeWhileTheyAreSwitchedUnderCalls) {
 TEST(FilterThreadsTest, ReplayIsSwitchedPausedAndReloadedUnderCalls) {
     const Support::TemporaryFolder folder;
     const std::string file = folder.file("a.sf");
-    SensorFile::SensorFileConfig config;
-    config.addColumn("a", SensorFile::kDouble);
-    config.addColumn("COUNT", SensorFile::kUInt16);
-    SensorFile::SensorFileWriter writer;
-    writer.open(file, config, /*binary=*/true, /*writeHeaders=*/true);
-    for (int i = 0; i < 10; ++i)
-        writer.writeRow(std::vector<double>{0.5 * i, 1.0 * i});
-    writer.close();
-
+    writeTenRows(file);
     const Support::RecordedSleeps sleeps;
     FilterReplaySensorFile filter("player");
     FilterHarness replay(filter);
@@ -108,5 +111,28 @@ TEST(FilterThreadsTest, ReplayIsSwitchedPausedAndReloadedUnderCalls) {
         replay.set("TimeStampColName", turn % 3 == 0 ? "a" : "COUNT");
         replay.trigger("Reload File");
         ASSERT_EQ(replay.outputNames().size(), 2U);
+    }
+}
+
+TEST(FilterThreadsTest, NothingIsSentOnceTheStopHasReturned) {
+    const Support::TemporaryFolder folder;
+    const std::string file = folder.file("a.sf");
+    writeTenRows(file);
+    const Support::RecordedSleeps sleeps;
+    FilterReplaySensorFile filter("player");
+    FilterHarness replay(filter);
+    replay.set("QuickProcess", true);
+    replay.set("AutoReplay", true);
+    replay.set("Load File", file);
+    const Quoril::Core::AbstractOutputPin& pin = *filter.findOutputPin("a");
+    const Caller caller(filter);
+    for (int turn = 0; turn < 200; ++turn) {
+        replay.set("Replay", true);
+        caller.waitForCalls();
+        replay.set("Replay", false);
+        const auto sent = pin.getPushCount();
+        // A call that had begun before the stop has to notice it.
+        caller.waitForCalls();
+        ASSERT_EQ(pin.getPushCount(), sent);
     }
 }
