@@ -121,6 +121,7 @@ TEST_F(EditsUnderLoadTest, ConnectionsAndBuffersChangeWhileSamplesCross) {
 }
 
 TEST_F(EditsUnderLoadTest, FiltersComeAndGo) {
+    layout("main");  // before two threads find it missing at once
     editOnTwoThreads([&](int thread, int i) {
         auto& sink = add<TestSink>("sink" + std::to_string(thread), i % 2 == 0 ? "first" : "main");
         connect(source_, sink);

@@ -4,6 +4,7 @@
 #include "host/LayoutManager.hpp"
 #include "host/PluginLoader.hpp"
 #include "tests/host/TestFilters.hpp"
+#include "tests/support/TemporaryPath.hpp"
 
 #include <filesystem>
 #include <fstream>
@@ -130,8 +131,7 @@ TEST(PluginLoaderTest, FolderIsRefused) {
 }
 
 TEST(PluginLoaderTest, FileThatIsNoLibraryIsRefusedWithTheSystemsReason) {
-    const std::string path =
-        (std::filesystem::temp_directory_path() / "quoril-host-test-no-library.module").string();
+    const std::string path = ::Support::uniqueTemporaryPath();
     std::ofstream(path) << "This is no library.";
     const std::string refusal = refusalOf(path);
     EXPECT_THAT(refusal, StartsWith("Cannot load module '" + path +

@@ -1,6 +1,7 @@
 #include "host/Activity.hpp"
 #include "host/WakeSignal.hpp"
 
+#include <atomic>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -56,12 +57,17 @@ TEST(WakeSignalTest, RestEndsWithTheSignalBeforeTheThreadIsAwake) {
     WakeSignal signal(activity);
     signal.begin();
     EXPECT_FALSE(activity->isAtRest());
+    std::atomic<bool> mayEnd{false};
     std::thread waiter([&] {
         signal.wait(std::nullopt, Meanwhile::kResting);
+        while (!mayEnd)
+            std::this_thread::yield();
         signal.end();
     });
     EXPECT_TRUE(activity->waitForRest(std::chrono::seconds(30)));
     signal.set();
+    EXPECT_FALSE(activity->isAtRest());
+    mayEnd = true;
     waiter.join();
     EXPECT_TRUE(activity->isAtRest());
 }
