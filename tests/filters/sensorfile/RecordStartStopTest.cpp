@@ -61,6 +61,16 @@ TEST_F(RecordStartStopTest, FileThatCannotBeOpenedIsRefused) {
     EXPECT_THAT(rec.lockedNames(), ElementsAre("Calib Version"));
 }
 
+TEST_F(RecordStartStopTest, FileIsLookedAtBeforeTheNames) {
+    makePins({{"", "DOUBLE"}});
+    expectThrow<Poco::IOException>("File not found : " + Poco::Path::current(),
+                                   [&] { rec.set("Record", true); });
+    file = folder.file("missing/a.sf");
+    rec.set("File Name", file);
+    expectThrow<Poco::IOException>("Problem while openning : " + file,
+                                   [&] { rec.set("Record", true); });
+}
+
 TEST_F(RecordStartStopTest, TimeStampColumnNeedsAName) {
     makePins({{"", "DOUBLE"}});
     rec.set("Save Timestamp", true);

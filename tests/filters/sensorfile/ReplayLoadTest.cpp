@@ -114,6 +114,11 @@ TEST_F(ReplayLoadTest, PathWithoutFileNameIsNotValidAndLeavesNoOldFileOpen) {
     expectLoadFails<Poco::IOException>("File not valid.");
 }
 
+TEST_F(ReplayLoadTest, FolderIsNotValid) {
+    file = folder.path();
+    expectLoadFails<Poco::IOException>("File not valid.");
+}
+
 TEST_F(ReplayLoadTest, FailedLoadAfterAGoodOneLeavesNothingOfIt) {
     columns({"a", "COUNT"});
     write({{1.0, 2.0}});

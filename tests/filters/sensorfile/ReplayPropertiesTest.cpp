@@ -125,6 +125,26 @@ TEST_F(ReplayPropertiesTest, ChangedAutoDetectionAsksForALoad) {
     EXPECT_TRUE(isReplaying());
 }
 
+TEST_F(ReplayPropertiesTest, OnlyALoadThatSucceedsEndsTheAskingForOne) {
+    columns({"a", "COUNT"});
+    write({{1.0, 2.0}});
+    replay.set("Auto Detect Output", false);
+    const auto refused = [&] {
+        expectThrow<Poco::IOException>("parameters has changed, you must Load/Reload your file!",
+                                       [&] { replay.set("Replay", true); });
+    };
+    refused();
+    replay.set("Load File", "");
+    refused();
+    replay.set("Manually Set ColsName", "missing");
+    EXPECT_THROW(load(), Poco::DataException);
+    EXPECT_THROW(replay.set("Replay", true), Poco::NoPermissionException);
+    replay.set("Manually Set ColsName", "a");
+    load();
+    replay.set("Replay", true);
+    EXPECT_TRUE(isReplaying());
+}
+
 TEST_F(ReplayPropertiesTest, AutoDetectionSetToWhatItIsAsksForNothing) {
     columns({"a", "COUNT"});
     write({{1.0, 2.0}});
@@ -145,7 +165,10 @@ TEST_F(ReplayPropertiesTest, ReplayingLocksEverythingButItsSwitches) {
                     "Manually Set Calibs Name", "Binary", "Load File", "Reload File", "Frequency",
                     "Calib Version", "AutoReplay", "TimeStampMode", "EnableFileTimeStamp",
                     "TimeStampColName", "SampleDelay", "QuickProcess"));
-    EXPECT_THROW(replay.trigger("Reload File"), Poco::NoPermissionException);
+    expectThrow<Poco::NoPermissionException>("Property 'Reload File' is not writable",
+                                             [&] { replay.trigger("Reload File"); });
+    EXPECT_TRUE(replay.isWritable("Replay"));
+    EXPECT_TRUE(replay.isWritable("Pause"));
     stop();
     EXPECT_THAT(replay.lockedNames(),
                 ElementsAre("Manually Set ColsName", "Manually Set Calibs Name", "Frequency",

@@ -435,6 +435,43 @@ TEST_F(ReplayRowsTest, RestartedSecondsAreInThePastAndNoLongerUsed) {
                 testing::Pointwise(testing::DoubleEq(), Times{0.5, 1.0, 1.01}));
 }
 
+TEST_F(ReplayRowsTest, SecondsWithoutTheFileTimeFollowTheDelayAlone) {
+    columns({"a", "TIME"}, /*frequency=*/0.0);
+    write({{1.0, 0.5}, {2.0, 1.0}, {3.0, 1.5}});
+    load();
+    stop();
+    replay.choose("TimeStampMode", "FrameNumber");
+    replay.set("TimeStampColName", "TIME");
+    replay.set("EnableFileTimeStamp", false);
+    replay.set("SampleDelay", 20);
+    replay.watch();
+    replay.set("Replay", true);
+    replay.step(2);
+    stop();
+    replay.set("SampleDelay", 0);
+    replay.set("Replay", true);
+    replay.step();
+    // With no delay time stands still: a missing frequency is replaced for ticks only.
+    EXPECT_THAT(replay.pullTimes("a"),
+                testing::Pointwise(testing::DoubleEq(), Times{0.02, 0.04, 0.04}));
+    EXPECT_THAT(sleeps.take(), ElementsAre(20, 20));
+}
+
+TEST_F(ReplayRowsTest, EveryRowIsSentAfterItsSleepAndOnAllPins) {
+    columns({"a", "COUNT"});
+    write(counted(0, 2));
+    start();
+    const Quoril::Core::AbstractOutputPin& first = *filter.findOutputPin("a");
+    const Quoril::Core::AbstractOutputPin& last = *filter.findOutputPin("COUNT");
+    std::vector<std::uint64_t> sentBefore;
+    const Filters::SleepFunction before = Filters::replaceSleep(
+        [&](std::int32_t) { sentBefore.push_back(first.getPushCount() + last.getPushCount()); });
+    replay.step(2);
+    Filters::replaceSleep(before);
+    EXPECT_THAT(sentBefore, ElementsAre(0U, 2U));
+    EXPECT_EQ(replay.pullTimes("a"), replay.pullTimes("COUNT"));
+}
+
 TEST_F(ReplayRowsTest, QuickProcessNeverSleeps) {
     columns({"a", "COUNT"});
     write(counted(0, 3));
