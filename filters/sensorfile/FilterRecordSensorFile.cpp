@@ -136,7 +136,14 @@ void FilterRecordSensorFile::endFile() {
     isHeaderWritten_ = false;
     if (!writer_.isOpen()) return;
     config_ = SensorFile::SensorFileConfig();
+    tellRowsLeftOut();
     writer_.close();
+}
+
+// Once a recording: a column of the wrong type would fill the error output row by row.
+void FilterRecordSensorFile::tellRowsLeftOut() const {
+    const auto count = writer_.refusedRowCount();
+    if (count > 0) std::cerr << getName() << ": " << count << kRowsLeftOut << '\n';
 }
 
 void FilterRecordSensorFile::requireNames() const {
@@ -238,7 +245,8 @@ void FilterRecordSensorFile::writeRow() {
     try {
         writer_.writeRow(row_);
     } catch (const Poco::RangeException&) {
-        // A value that its column cannot hold in text: the writer left the whole row out.
+        // A value that its column cannot hold in text: the writer left the whole row out, and
+        // counts it.
     }
 }
 

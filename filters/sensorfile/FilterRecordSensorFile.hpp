@@ -25,10 +25,11 @@
 /// A row takes one sample from every data pin, connected or not; each matrix contributes all its
 /// elements, column by column. A call that lacks a sample drops what it took from earlier pins. A
 /// row with another number of values than the file has columns is told on the standard output and
-/// not written; one with a value that its column cannot hold in text is left out whole.
+/// not written; one with a value that its column cannot hold in text is left out whole, and how
+/// many were is told on the error output when the recording ends.
 ///
-/// When the file cannot take more (a full disk), the recording ends: the file is closed after its
-/// last whole row and "Record" turns false.
+/// When the file cannot take more (a full disk) or its header cannot be written, the recording
+/// ends: the file is closed after its last whole row and "Record" turns false.
 ///
 /// Properties are set from any thread, under the filter's synchronizer; process() is called by one
 /// thread at a time.
@@ -51,6 +52,8 @@ class FilterRecordSensorFile final : public Quoril::Core::Filter {
 
     static constexpr const char* kNoTimeStampName = "TimeStamp Col Name is empty!";
     static constexpr const char* kBadColumnCount = "SensorFileError : check col number.";
+    static constexpr const char* kRowsLeftOut =
+        " row(s) left out of the recording, a value did not fit its column";
 
     static constexpr int kMaxPins = 20;
     static constexpr int kMaxPrecision = 20;
@@ -115,6 +118,7 @@ class FilterRecordSensorFile final : public Quoril::Core::Filter {
     // Starting and stopping.
     void openFile();
     void endFile();
+    void tellRowsLeftOut() const;
     void requireNames() const;
     void setPinPropertiesWritable(bool isWritable);
     void describeColumns();

@@ -164,6 +164,24 @@ TEST_F(RecordRowsTest, ValueThatItsColumnCannotHoldInTextLeavesOutItsRowAlone) {
     EXPECT_EQ(rows(), (Rows{{1.0, 2.0}, {-32768.0, 32767.0}}));
 }
 
+TEST_F(RecordRowsTest, RowsLeftOutAreToldOnceAtTheEndOfTheirRecording) {
+    makePins({{"a", "INT16"}});
+    const auto recordAndTell = [&](std::initializer_list<double> values) {
+        testing::internal::CaptureStderr();
+        start();
+        for (const double value : values)
+            record({value});
+        stop();
+        stop();
+        return testing::internal::GetCapturedStderr();
+    };
+    EXPECT_EQ(recordAndTell({40000.0, 1.0, 50000.0}),
+              "recorder: 2 row(s) left out of the recording, a value did not fit its column\n");
+    EXPECT_EQ(recordAndTell({1.0, 2.0}), "");
+    rec.set("Binary", true);
+    EXPECT_EQ(recordAndTell({40000.0}), "");
+}
+
 TEST_F(RecordRowsTest, BinaryKeepsTheLowBitsInstead) {
     rec.set("Binary", true);
     makePins({{"a,b", "UINT8"}});
