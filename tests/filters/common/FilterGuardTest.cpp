@@ -56,15 +56,19 @@ TEST(FilterGuardTest, MutexCanBeLockedAgainAfterItsRelease) {
 
 TEST(FilterGuardTest, ReconfigurationWaitsForTheCallThatRuns) {
     FilterGuard guard;
+    std::atomic<bool> isComing{false};
     std::atomic<bool> hasBegun{false};
     std::thread edit;
     {
         const FilterGuard::Call call(guard);
         edit = std::thread([&] {
+            isComing = true;
             const FilterGuard::Busy busy(guard);
             hasBegun = true;
         });
-        for (int i = 0; i < 1000; ++i) {
+        while (!isComing)
+            std::this_thread::yield();
+        for (int i = 0; i < 100; ++i) {
             EXPECT_FALSE(hasBegun);
             std::this_thread::yield();
         }

@@ -126,7 +126,7 @@ TEST(FilterThreadsTest, NothingIsSentOnceTheStopHasReturned) {
     replay.set("Load File", file);
     const Quoril::Core::AbstractOutputPin& pin = *filter.findOutputPin("a");
     const Caller caller(filter);
-    for (int turn = 0; turn < 200; ++turn) {
+    for (int turn = 0; turn < 50; ++turn) {
         replay.set("Replay", true);
         caller.waitForCalls();
         replay.set("Replay", false);
