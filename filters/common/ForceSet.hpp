@@ -3,6 +3,8 @@
 #include "framework/Synchronizer.hpp"
 #include "framework/ValueProperty.hpp"
 
+#include <exception>
+
 namespace Filters {
 
 /// Makes a property writable for its scope, then puts the flag back; observers are told of both.
@@ -29,6 +31,17 @@ void forceSet(Quoril::Core::ValueProperty<T>& property, const T& value) {
     const Quoril::Core::Synchronizer::DisablerLocker lock(property.getSynchronizer(), nullptr);
     const ScopedWritable<T> writable(property);
     property.set(value);
+}
+
+/// Sets a property after a processing call's work, where nothing may get out.
+template <class T>
+void forceSetQuietly(Quoril::Core::ValueProperty<T>& property, const T& value) noexcept {
+    try {
+        forceSet(property, value);
+    } catch (const std::exception&) {
+        // Refused by a callback or an observer: the property keeps its value, and the call's work
+        // has been done all the same.
+    }
 }
 
 }  // namespace Filters

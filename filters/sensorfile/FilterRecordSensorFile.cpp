@@ -2,6 +2,7 @@
 
 #include "filters/common/ColumnTypeChoice.hpp"
 #include "filters/common/FilePath.hpp"
+#include "filters/common/ForceSet.hpp"
 #include "filters/common/NameList.hpp"
 #include "sensorfile/Clock.hpp"
 
@@ -181,7 +182,8 @@ void FilterRecordSensorFile::process() {
         const FilterGuard::Call call(guard_);
         if (call.isBusy() || recordRow(settings)) return;
     }
-    switchRecordOff();
+    // Without the mutex: setting "Record" runs callbacks that take it.
+    Filters::forceSetQuietly(record_, false);
 }
 
 // False when the recording cannot go on. Nothing gets out of a processing call.
@@ -255,14 +257,5 @@ void FilterRecordSensorFile::abandonFile() noexcept {
         endFile();
     } catch (const std::exception&) {
         // The file is closed all the same, after the last whole row that it could take.
-    }
-}
-
-// Called without the mutex: setting "Record" runs callbacks that take it.
-void FilterRecordSensorFile::switchRecordOff() noexcept {
-    try {
-        record_.set(false);
-    } catch (const std::exception&) {
-        // Refused, "Record" stays on; without a file the calls do nothing.
     }
 }

@@ -130,5 +130,4 @@ class FilterRecordSensorFile final : public Quoril::Core::Filter {
     bool collectRow();
     void writeRow();
     void abandonFile() noexcept;
-    void switchRecordOff() noexcept;
 };

@@ -143,7 +143,7 @@ void FilterReplaySensorFile::load(const std::string& file) {
     removeOutputs();
     if (file.empty()) return;
     try {
-        openReader(file);
+        Filters::openReader(reader_, file, binary_.get());
         showHeader();
         if (!isReplayable(config_)) throw Poco::DataException(kInvalidFormat);
         makeOutputs();
@@ -156,17 +156,6 @@ void FilterReplaySensorFile::load(const std::string& file) {
     pacing_.forgetFrame();
     needsReload_ = false;
     unlockLoaded(true);
-}
-
-void FilterReplaySensorFile::openReader(const std::string& file) {
-    const Filters::FilePath path = Filters::makeFilePath(file);
-    reader_.close();
-    try {
-        if (path.hasFileName) reader_.open(path.text, binary_.get());
-    } catch (const Poco::IOException&) {
-        // Told below, in the words that users know.
-    }
-    if (!reader_.isOpen()) throw Poco::IOException(kInvalidFile);
 }
 
 void FilterReplaySensorFile::showHeader() {
@@ -299,10 +288,6 @@ void FilterReplaySensorFile::sendRow(Aftermath& aftermath) {
 
 // Called without the mutex: setting the properties runs callbacks that take it.
 void FilterReplaySensorFile::apply(const Aftermath& aftermath) noexcept {
-    try {
-        if (aftermath.endsFileTime) forceSet(enableFileTimeStamp_, false);
-        if (aftermath.endsReplay) forceSet(replay_, false);
-    } catch (const std::exception&) {
-        // Refused by an observer of the host; the row has been dealt with all the same.
-    }
+    if (aftermath.endsFileTime) Filters::forceSetQuietly(enableFileTimeStamp_, false);
+    if (aftermath.endsReplay) Filters::forceSetQuietly(replay_, false);
 }

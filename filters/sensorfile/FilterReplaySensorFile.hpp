@@ -57,7 +57,6 @@ class FilterReplaySensorFile final : public Quoril::Core::Filter {
     static constexpr const char* kDefaultTimeStampColumn = "COUNT";
 
     static constexpr const char* kInvalidFormat = "File format is not valid";
-    static constexpr const char* kInvalidFile = "File not valid.";
     static constexpr const char* kNeedsReload =
         "parameters has changed, you must Load/Reload your file!";
 
@@ -123,7 +122,6 @@ class FilterReplaySensorFile final : public Quoril::Core::Filter {
 
     // Loading.
     void load(const std::string& file);
-    void openReader(const std::string& file);
     void showHeader();
     void makeOutputs();
     void removeOutputs();

@@ -8,10 +8,6 @@ using SensorFile::SensorFileConfig;
 
 namespace {
 
-std::string aboutCalib(const std::string& name, const std::string& problem) {
-    return "Calib data with name : " + name + problem;
-}
-
 std::vector<std::size_t> findColumns(const SensorFileConfig& config,
                                      const std::vector<std::string>& names) {
     std::vector<std::size_t> indexes(names.size());
@@ -22,38 +18,7 @@ std::vector<std::size_t> findColumns(const SensorFileConfig& config,
     return indexes;
 }
 
-void requireCalibs(const SensorFileConfig& config, const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
-        if (config.findCalibData(name) < 0)
-            throw Poco::DataException("Impossible to find one or more CalibColName(s) in the file");
-    }
-}
-
 }  // namespace
-
-Eigen::MatrixXd calibMatrix(const SensorFileConfig::CalibDataBase& record) {
-    using Doubles = SensorFileConfig::CalibData<Eigen::MatrixXd>;
-    using Integers = SensorFileConfig::CalibData<Eigen::MatrixXi>;
-    if (const auto* doubles = dynamic_cast<const Doubles*>(&record)) return doubles->getMatrix();
-    if (const auto* integers = dynamic_cast<const Integers*>(&record))
-        return integers->getMatrix().cast<double>();
-    throw Poco::DataException("Data type format is not supported!");
-}
-
-void publishCalibration(const SensorFileConfig& config, const std::vector<std::string>& names,
-                        const MatrixOutputPins& pins) {
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const int record = config.findCalibData(names[i]);
-        if (record < 0)
-            throw Poco::DataException(aboutCalib(names[i], ", cannot be found in file!"));
-        if (i >= pins.size())
-            throw Poco::DataException(aboutCalib(names[i], ", cannot be created has output pin!"));
-        if (pins[i]->getName() != names[i])
-            throw Poco::DataException("Error, Calib pin has unexpected name! Name found: " +
-                                      pins[i]->getName());
-        pins[i]->getValue() = calibMatrix(config.getCalibData(static_cast<std::size_t>(record)));
-    }
-}
 
 void ReplayOutputs::clear() {
     dataPins_.clear();
@@ -68,10 +33,7 @@ void ReplayOutputs::makeDetected(const SensorFileConfig& config,
         addData(output.name, column, output.columnCount);
         column += output.columnCount;
     }
-    for (std::size_t i = 0; i < config.getCalibCount(); ++i) {
-        addCalib(config.getCalibName(i));
-        calibPins_.back()->getValue() = calibMatrix(config.getCalibData(i));
-    }
+    calibPins_ = Filters::makeCalibPins(filter_, config);
 }
 
 void ReplayOutputs::makeNamed(const SensorFileConfig& config,
@@ -79,12 +41,12 @@ void ReplayOutputs::makeNamed(const SensorFileConfig& config,
                               const std::vector<std::string>& calibs) {
     clear();
     const std::vector<std::size_t> indexes = findColumns(config, columns);
-    requireCalibs(config, calibs);
+    if (!Filters::hasCalibs(config, calibs))
+        throw Poco::DataException("Impossible to find one or more CalibColName(s) in the file");
     for (std::size_t i = 0; i < columns.size(); ++i)
         addData(columns[i], indexes[i], 1);
-    for (const std::string& name : calibs)
-        addCalib(name);
-    publishCalibration(config, calibs, calibPins_);
+    calibPins_ = Filters::makeNamedPins(filter_, calibs);
+    Filters::publishCalibration(config, calibs, calibPins_);
 }
 
 void ReplayOutputs::makeUnbound(const std::vector<std::string>& columns,
@@ -92,19 +54,14 @@ void ReplayOutputs::makeUnbound(const std::vector<std::string>& columns,
     clear();
     for (const std::string& name : columns)
         addData(name, 0, 1);
-    for (const std::string& name : calibs)
-        addCalib(name);
+    calibPins_ = Filters::makeNamedPins(filter_, calibs);
 }
 
 void ReplayOutputs::addData(const std::string& name, std::size_t firstColumn,
                             std::size_t columnCount) {
-    dataPins_.push_back({std::make_unique<MatrixOutputPin>(name, &filter_), firstColumn});
+    dataPins_.push_back({std::make_unique<Filters::MatrixOutputPin>(name, &filter_), firstColumn});
     dataPins_.back().pin->getValue() =
         Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(columnCount), 1);
-}
-
-void ReplayOutputs::addCalib(const std::string& name) {
-    calibPins_.push_back(std::make_unique<MatrixOutputPin>(name, &filter_));
 }
 
 std::optional<std::size_t> ReplayOutputs::findData(const std::string& name) const {
@@ -133,6 +90,5 @@ void ReplayOutputs::sendData(double timeStamp) {
 }
 
 void ReplayOutputs::sendCalibration(double timeStamp) {
-    for (const auto& pin : calibPins_)
-        pin->push(timeStamp);
+    Filters::sendAll(calibPins_, timeStamp);
 }

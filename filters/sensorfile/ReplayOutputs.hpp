@@ -1,8 +1,8 @@
 #pragma once
 
+#include "filters/common/CalibOutputs.hpp"
 #include "filters/sensorfile/OutputNaming.hpp"
 #include "framework/Filter.hpp"
-#include "framework/OutputPin.hpp"
 #include "sensorfile/SensorFileConfig.hpp"
 
 #include <cstddef>
@@ -11,22 +11,6 @@
 #include <span>
 #include <string>
 #include <vector>
-
-#include <Eigen/Core>
-
-using MatrixOutputPin = Quoril::Core::OutputPin<Eigen::MatrixXd>;
-using MatrixOutputPins = std::vector<std::unique_ptr<MatrixOutputPin>>;
-
-/// The coefficients of a calibration record as doubles.
-/// @throws Poco::DataException "Data type format is not supported!" for elements other than double
-///         and int
-[[nodiscard]] Eigen::MatrixXd calibMatrix(
-    const SensorFile::SensorFileConfig::CalibDataBase& record);
-
-/// Copies calibration records into the pins made for them: one pin for each name, in order.
-/// @throws Poco::DataException if a record is missing, or a pin is missing or has another name
-void publishCalibration(const SensorFile::SensorFileConfig& config,
-                        const std::vector<std::string>& names, const MatrixOutputPins& pins);
 
 /// The output pins of a replay: data pins, which carry columns, and calibration pins.
 ///
@@ -40,7 +24,7 @@ class ReplayOutputs {
 
     /// One data pin (columnCount x 1) for each description, taking the file's columns in order,
     /// and one calibration pin for each of the file's records, filled.
-    /// @throws Poco::DataException as calibMatrix
+    /// @throws Poco::DataException as Filters::calibMatrix
     void makeDetected(const SensorFile::SensorFileConfig& config,
                       const std::vector<OutputDescription>& outputs);
 
@@ -68,14 +52,13 @@ class ReplayOutputs {
 
  private:
     struct DataPin {
-        std::unique_ptr<MatrixOutputPin> pin;
+        std::unique_ptr<Filters::MatrixOutputPin> pin;
         std::size_t firstColumn;
     };
 
     void addData(const std::string& name, std::size_t firstColumn, std::size_t columnCount);
-    void addCalib(const std::string& name);
 
     Quoril::Core::Filter& filter_;
     std::vector<DataPin> dataPins_;
-    MatrixOutputPins calibPins_;
+    Filters::MatrixOutputPins calibPins_;
 };

@@ -32,6 +32,22 @@ struct Refuser {
     void refuse(const int& /*value*/) { throw Poco::DataException("no"); }
 };
 
+class FailingObserver : public Quoril::Core::PropertyObserver {
+ public:
+    explicit FailingObserver(AbstractProperty& property) : property_(property) {
+        property_.addObserver(*this);
+    }
+    ~FailingObserver() override { property_.removeObserver(*this); }
+
+    void valueChanged(const AbstractProperty& /*property*/) override {
+        throw Poco::IOException("told too late");
+    }
+    void attributeChanged(const AbstractProperty& /*property*/) override {}
+
+ private:
+    AbstractProperty& property_;
+};
+
 }  // namespace
 
 TEST(ForceSetTest, SetsAReadOnlyPropertyAndTellsOfEachStep) {
@@ -58,5 +74,32 @@ TEST(ForceSetTest, RefusedValueLeavesValueAndFlag) {
     property.setIsWritable(false);
     Support::expectThrow<Poco::DataException>("no", [&] { Filters::forceSet(property, 5); });
     EXPECT_EQ(property.get(), 1);
+    EXPECT_FALSE(property.getIsWritable());
+}
+
+TEST(ForceSetQuietlyTest, SetsAReadOnlyProperty) {
+    ValueProperty<int> property("n", nullptr, 1);
+    property.setIsWritable(false);
+    Filters::forceSetQuietly(property, 5);
+    EXPECT_EQ(property.get(), 5);
+    EXPECT_FALSE(property.getIsWritable());
+}
+
+TEST(ForceSetQuietlyTest, RefusedValueIsKeptQuietWithValueAndFlagLeft) {
+    Refuser refuser;
+    ValueProperty<int> property("n", nullptr, 1);
+    property.attach(refuser, &Refuser::refuse);
+    property.setIsWritable(false);
+    Filters::forceSetQuietly(property, 5);
+    EXPECT_EQ(property.get(), 1);
+    EXPECT_FALSE(property.getIsWritable());
+}
+
+TEST(ForceSetQuietlyTest, FailingObserverIsKeptQuietAfterTheValueIsStored) {
+    ValueProperty<int> property("n", nullptr, 1);
+    property.setIsWritable(false);
+    const FailingObserver observer(property);
+    Filters::forceSetQuietly(property, 5);
+    EXPECT_EQ(property.get(), 5);
     EXPECT_FALSE(property.getIsWritable());
 }

@@ -1,8 +1,7 @@
 #include "tests/filters/sensorfile/ReplayFixture.hpp"
+#include "tests/support/OpenFileCount.hpp"
 
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 
 #include <Poco/Path.h>
 
@@ -23,12 +22,6 @@ class ReplayLoadTest : public ReplayFixture {
         EXPECT_FALSE(replay.isWritable("TimeStampColName"));
         EXPECT_TRUE(replay.isWritable("SampleDelay"));
         EXPECT_TRUE(replay.isWritable("Load File"));
-    }
-
-    // How many files this process holds open.
-    static std::size_t openFileCount() {
-        const std::filesystem::directory_iterator files("/proc/self/fd");
-        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
     }
 
     template <class Exception>
@@ -200,9 +193,9 @@ TEST_F(ReplayLoadTest, SingleColumnIsRefused) {
 TEST_F(ReplayLoadTest, RefusedFileIsNotKeptOpen) {
     columns({"a"});
     write({{1.0}});
-    const std::size_t before = openFileCount();
+    const std::size_t before = Support::openFileCount();
     expectLoadFails<Poco::DataException>("File format is not valid");
-    EXPECT_EQ(openFileCount(), before);
+    EXPECT_EQ(Support::openFileCount(), before);
 }
 
 TEST_F(ReplayLoadTest, ColumnsWithoutANameAreRefused) {

@@ -33,13 +33,6 @@ class ReplayOutputsTest : public testing::Test {
         config.addCalibData("Count", Eigen::MatrixXi((Eigen::MatrixXi(1, 2) << 7, -8).finished()));
     }
 
-    static MatrixOutputPins makePins(std::initializer_list<const char*> names) {
-        MatrixOutputPins pins;
-        for (const char* name : names)
-            pins.push_back(std::make_unique<MatrixOutputPin>(name, nullptr));
-        return pins;
-    }
-
     void fillAndSend() {
         constexpr std::array<double, 4> kRow{1.0, 2.0, 3.0, 4.0};
         outputs.fill(kRow);
@@ -53,43 +46,6 @@ class ReplayOutputsTest : public testing::Test {
 };
 
 }  // namespace
-
-TEST_F(ReplayOutputsTest, IntegerRecordsBecomeDoubles) {
-    EXPECT_EQ(calibMatrix(config.getCalibData(0)), matrix({{1.0, 2.0}, {3.0, 4.0}}));
-    EXPECT_EQ(calibMatrix(config.getCalibData(1)), matrix({{7.0, -8.0}}));
-}
-
-TEST_F(ReplayOutputsTest, RecordsOfOtherElementsAreRefused) {
-    const SensorFileConfig::CalibData<Eigen::MatrixXf> record("F", Eigen::MatrixXf::Zero(1, 1));
-    expectThrow<Poco::DataException>("Data type format is not supported!",
-                                     [&] { (void)calibMatrix(record); });
-}
-
-TEST_F(ReplayOutputsTest, PublishingFillsThePinsInOrder) {
-    const MatrixOutputPins pins = makePins({"Count", "Gain"});
-    publishCalibration(config, {"Count", "Gain"}, pins);
-    EXPECT_EQ(pins[0]->getValue(), matrix({{7.0, -8.0}}));
-    EXPECT_EQ(pins[1]->getValue(), matrix({{1.0, 2.0}, {3.0, 4.0}}));
-}
-
-TEST_F(ReplayOutputsTest, PublishingNeedsTheRecord) {
-    expectThrow<Poco::DataException>(
-        "Calib data with name : Offset, cannot be found in file!",
-        [&] { publishCalibration(config, {"Offset"}, makePins({"Offset"})); });
-}
-
-TEST_F(ReplayOutputsTest, PublishingNeedsThePin) {
-    expectThrow<Poco::DataException>(
-        "Calib data with name : Count, cannot be created has output pin!", [&] {
-            publishCalibration(config, {"Gain", "Count"}, makePins({"Gain"}));
-        });
-}
-
-TEST_F(ReplayOutputsTest, PublishingNeedsThePinsName) {
-    expectThrow<Poco::DataException>(
-        "Error, Calib pin has unexpected name! Name found: Count",
-        [&] { publishCalibration(config, {"Gain"}, makePins({"Count"})); });
-}
 
 TEST_F(ReplayOutputsTest, DetectedPinsTakeTheColumnsInOrder) {
     outputs.makeDetected(config, {{"first", 3}, {"last", 1}});
