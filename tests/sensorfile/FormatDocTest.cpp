@@ -1,6 +1,7 @@
 // The worked files of docs/file-format.md are what the writer writes, and the reader takes them.
 
 #include "sensorfile/CalibData.hpp"
+#include "sensorfile/Kivra2Calib.hpp"
 #include "sensorfile/SensorFileConfig.hpp"
 #include "sensorfile/SensorFileReader.hpp"
 #include "sensorfile/SensorFileWriter.hpp"
@@ -149,6 +150,19 @@ TEST(FormatDoc, CalibrationInBinary) {
 TEST(FormatDoc, LittleEndianRecordingIsRead) {
     const std::string worked = workedBytes("little-endian recording");
     EXPECT_EQ(rowsOf(worked, /*binary=*/true, 1), (Rows{{-2}}));
+}
+
+TEST(FormatDoc, Kivra2Calibration) {
+    Kivra2Calib calib;
+    calib.date = Kivra2Calib::Date(Poco::DateTime(2017, 3, 5, 14, 7, 9));
+    calib.version = 3;
+    calib.accGain = Eigen::MatrixXd{{0.5, 0, 0}, {0.25, 0.5, 0}, {0, 0, 0.5}};
+    calib.accOffset = Eigen::MatrixXd{{1, -2, 3}};
+    calib.gyrGain *= 2;
+    calib.gyrOffset = Eigen::MatrixXd{{0.1, 0, -0.1}};
+    const TemporaryFile file;
+    calib.save(file.path());
+    EXPECT_EQ(hex(workedBytes("Kivra2 calibration")), hex(contentOf(file.path())));
 }
 
 TEST(FormatDoc, CodedCalibrationIsRead) {
