@@ -1,3 +1,5 @@
+#include "filters/kivra2/FilterRecordKivra2Format.hpp"
+#include "filters/kivra2/FilterReplayKivra2Format.hpp"
 #include "filters/sensorfile/FilterRecordSensorFile.hpp"
 #include "filters/sensorfile/FilterReplaySensorFile.hpp"
 #include "tests/support/AllocationCount.hpp"
@@ -86,6 +88,68 @@ TEST_P(RowAllocationTest, ReplayedRowTakesNone) {
     EXPECT_TRUE(replay.get<bool>("Replay"));
     EXPECT_EQ(replay.pull("COUNT").back().value(0, 0), kWarmRows + kRows);
 }
+
+class Kivra2RowAllocationTest : public testing::TestWithParam<bool> {
+ protected:
+    // Records rows of a unit; tells the allocations of the last kRows rows.
+    std::size_t recordRows() {
+        FilterRecordKivra2Format filter("recorder");
+        FilterHarness rec(filter);
+        rec.set("Save Gyro", GetParam());
+        rec.set("File Name", file);
+        rec.set("Record", true);
+        const std::string names[] = {"3a", "3m", "Button", "FrameNumber", "3g"};
+        Eigen::MatrixXd frame = Support::matrix({{0.0, 0.0, 100.0}});
+        const Eigen::MatrixXd axes = Support::matrix({{1.0, -2.0, 3.0}});
+        const Eigen::MatrixXd button = Support::matrix({{7.0}});
+        const auto recordRow = [&] {
+            frame(0, 0) += 1.0;
+            rec.push(names[0], axes);
+            rec.push(names[1], axes);
+            rec.push(names[2], button);
+            rec.push(names[3], frame);
+            if (GetParam()) rec.push(names[4], axes);
+            filter.process();
+        };
+        for (int i = 0; i < kWarmRows; ++i)
+            recordRow();
+        const AllocationCount allocations;
+        for (int i = 0; i < kRows; ++i)
+            recordRow();
+        return allocations.get();
+    }
+
+    Support::TemporaryFolder folder;
+    std::string file = folder.file("rows.sf");
+};
+
+TEST_P(Kivra2RowAllocationTest, RecordedRowTakesNone) {
+    EXPECT_EQ(recordRows(), 0U);
+}
+
+TEST_P(Kivra2RowAllocationTest, ReplayedRowTakesNone) {
+    recordRows();
+    FilterReplayKivra2Format filter("player");
+    FilterHarness replay(filter);
+    replay.set("Load File", file);
+    replay.set("SampleDelay", 0);
+    replay.set("Force Ticks", true);
+    replay.watch();
+    replay.set("Replay", true);
+    replay.step(kWarmRows);
+    std::size_t count = 0;
+    {
+        const AllocationCount allocations;
+        replay.step(kRows);
+        count = allocations.get();
+    }
+    EXPECT_EQ(count, 0U);
+    EXPECT_TRUE(replay.get<bool>("Replay"));
+    EXPECT_EQ(replay.pull("FrameNumber").back().value(0, 0), kWarmRows + kRows);
+}
+
+INSTANTIATE_TEST_SUITE_P(Units, Kivra2RowAllocationTest, testing::Bool(),
+                         [](const auto& unit) { return unit.param ? "WithGyro" : "WithoutGyro"; });
 
 TEST(AllocationCountTest, SeesWhatNewAndEigenTake) {
     const AllocationCount allocations;
