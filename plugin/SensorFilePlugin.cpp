@@ -1,5 +1,11 @@
 #include "plugin/SensorFilePlugin.hpp"
 
+#include "filters/kivra2/FilterKivra2CalibReader.hpp"
+#include "filters/kivra2/FilterKivra2CalibWriter.hpp"
+#include "filters/kivra2/FilterRecordKivra2Format.hpp"
+#include "filters/kivra2/FilterReplayKivra2Format.hpp"
+#include "filters/sensorfile/FilterCalibSensorFileReader.hpp"
+#include "filters/sensorfile/FilterCalibSensorFileWriter.hpp"
 #include "filters/sensorfile/FilterRecordSensorFile.hpp"
 #include "filters/sensorfile/FilterReplaySensorFile.hpp"
 #include "framework/FilterFactory.hpp"
@@ -16,8 +22,14 @@ SensorFilePlugin::SensorFilePlugin() : DefaultPlugin(kName, kVersion) {
         .buildDate = "Tue 05/23/2017",
     };
     // Hosts list the filters in this order.
+    addFilter<FilterRecordKivra2Format>();
     addFilter<FilterRecordSensorFile>();
+    addFilter<FilterReplayKivra2Format>();
     addFilter<FilterReplaySensorFile>();
+    addFilter<FilterKivra2CalibReader>();
+    addFilter<FilterKivra2CalibWriter>();
+    addFilter<FilterCalibSensorFileReader>();
+    addFilter<FilterCalibSensorFileWriter>();
 }
 
 SensorFilePlugin::~SensorFilePlugin() = default;

@@ -59,19 +59,3 @@ TEST_F(ModuleLifeTest, UnloadingAReplayingModuleEndsItsCalls) {
         loader.load(MODULE_FILE);
     }
 }
-
-TEST_F(ModuleLifeTest, EveryFilterSurvivesEveryOrderOfItsLife) {
-    for (const char* className : {"FilterRecordSensorFile", "FilterReplaySensorFile"}) {
-        Flow flow;
-        LayoutManager& first = flow.addLayout("first");
-        LayoutManager& second = flow.addLayout("second");
-        flow.removeFilter(flow.addFilter(className, "unused", first));
-        Filter& moved = flow.addFilter(className, "moved", first);
-        flow.start();
-        flow.moveFilter(moved, second);
-        flow.addFilter(className, "late", first);
-        flow.removeFilter(moved);
-        flow.stop();
-        flow.start();
-    }
-}

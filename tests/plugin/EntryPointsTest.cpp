@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <Poco/Exception.h>
+#include <Poco/Path.h>
 #include <gmock/gmock.h>
 
 using Quoril::Core::AbstractFilterFactory;
@@ -82,6 +83,10 @@ TEST(EntryPointsTest, TellsTheHostVersionBeforeAnyStart) {
     EXPECT_THAT(manager().getPlugins(), IsEmpty());
 }
 
+TEST(EntryPointsTest, ModuleFileIsNamedAfterItsVersion) {
+    EXPECT_EQ(Poco::Path(MODULE_FILE).getBaseName(), "QuorilPluginSensorFile-2.5.0");
+}
+
 TEST(EntryPointsTest, StartingTwiceInstallsOnePluginAndOneStopRemovesIt) {
     const Module module;
     module.start();
@@ -130,7 +135,11 @@ TEST(EntryPointsTest, PluginDescribesItself) {
 TEST(EntryPointsTest, FiltersAreListedInTheOrderOfTheirRegistration) {
     const Module module;
     module.start();
-    EXPECT_THAT(factoryNames(), ElementsAre("FilterRecordSensorFile", "FilterReplaySensorFile"));
+    EXPECT_THAT(factoryNames(),
+                ElementsAre("FilterRecordKivra2Format", "FilterRecordSensorFile",
+                            "FilterReplayKivra2Format", "FilterReplaySensorFile",
+                            "FilterKivra2CalibReader", "FilterKivra2CalibWriter",
+                            "FilterCalibSensorFileReader", "FilterCalibSensorFileWriter"));
 }
 
 TEST(EntryPointsTest, FactoriesTellTheirPluginAndItsVersion) {
@@ -174,7 +183,7 @@ TEST(EntryPointsTest, RefusedPluginStaysUntilTheStop) {
     }
     module.start();
     EXPECT_THAT(manager().getPlugins(), SizeIs(1));
-    EXPECT_THAT(factoryNames(), SizeIs(2));
+    EXPECT_THAT(factoryNames(), SizeIs(8));
 }
 
 TEST(EntryPointsTest, ModuleCanBeUnloadedAndLoadedAgain) {
