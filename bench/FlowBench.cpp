@@ -1,24 +1,18 @@
 // Whole flows: the simulated unit through the record filter into a file, in one layout, at the
 // maximum pace. Rows of 11 columns: counter, 9 axes, button.
 
+#include "bench/FlowParts.hpp"
 #include "bench/ScratchFolder.hpp"
-#include "framework/AbstractProperty.hpp"
+#include "framework/AbstractInputPin.hpp"
 #include "framework/Filter.hpp"
-#include "framework/PropertyBag.hpp"
 #include "host/Flow.hpp"
 #include "host/LayoutManager.hpp"
-#include "host/PluginLoader.hpp"
-#include "host/filters/BuiltinPlugin.hpp"
 
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
 #include <Poco/Exception.h>
 #include <benchmark/benchmark.h>
@@ -27,16 +21,6 @@ namespace Bench {
 namespace {
 
 using namespace Quoril::Core;
-
-using Settings = std::vector<std::pair<std::string, std::string>>;
-
-void apply(Filter& filter, const Settings& settings) {
-    for (const auto& [name, text] : settings) {
-        const AbstractProperty* property = filter.getPropertyBag()->find(name);
-        if (property == nullptr) throw Poco::NotFoundException(name);
-        property->deSerialize(text);
-    }
-}
 
 /// Bytes of memory that the process holds now; 0 where the system does not tell.
 double residentBytes() {
@@ -50,9 +34,7 @@ double residentBytes() {
 
 /// Records so many rows; returns by how many bytes the process grew from a tenth of them on.
 double recordSimulated(std::int64_t rows) {
-    static PluginLoader loader;
-    installBuiltinPlugin();
-    loader.load(QUORIL_BENCH_MODULE);
+    loadFilters();
     const std::string path = ScratchFolder::instance().file("flow.bin");
     Flow flow;
     LayoutManager& layout = flow.addLayout("main");
@@ -72,25 +54,26 @@ double recordSimulated(std::int64_t rows) {
                      {"ColTypes#4", "12"},
                      {"ColNames#5", "BUTTON"},
                      {"ColTypes#5", "9"}});
-    int pin = 0;
-    for (const char* output : {"frame", "acc", "gyr", "mag", "button"})
-        flow.connect(*imu.findOutputPin(output),
-                     *recorder.findInputPin("input#" + std::to_string(++pin)));
-    recorder.getPropertyBag()->find("Record")->deSerialize("1");
+    connect(flow, imu, recorder,
+            {{"frame", "input#1"},
+             {"acc", "input#2"},
+             {"gyr", "input#3"},
+             {"mag", "input#4"},
+             {"button", "input#5"}});
+    apply(recorder, {{"Record", "1"}});
     flow.setPacing({.mode = Pacing::Mode::kMaximum});
     flow.start();
     double early = 0.0;
-    while (!flow.isFinished()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    const auto look = [&] {
         const auto taken =
             static_cast<std::int64_t>(recorder.findInputPin("input#1")->getCounters().taken);
         if (early == 0.0 && taken > rows / 10) early = residentBytes();
-    }
+    };
+    waitUntil([&] { return flow.isFinished(); }, look);
     const double late = residentBytes();
     flow.stop();
-    recorder.getPropertyBag()->find("Record")->deSerialize("0");
-    for (const PinReport& report : flow.getPinReports())
-        if (report.counters.overwritten > 0) throw Poco::DataException("rows were lost");
+    apply(recorder, {{"Record", "0"}});
+    requireNothingLost(flow);
     return late - early;
 }
 

@@ -57,6 +57,10 @@ class Figure(NamedTuple):
 FIGURES = [
     Figure("simulated unit to file, one layout", "flow/simulator_to_file/1000000", "items_per_second", 1e-6,
            "million rows/s", at_least=1.0),
+    Figure("Kivra2 unit to file, one layout", "kivra2/record/1000000", "items_per_second", 1e-6,
+           "million rows/s", at_least=1.0),
+    Figure("Kivra2 file to all pins and a file", "kivra2/replay/1000000", "items_per_second", 1e-6,
+           "million rows/s", at_least=0.5),
     Figure("a sample across two layouts", "host/sample_latency", "ns", 1e-6, "ms", at_most=1.0),
     Figure("longest edit under an 819 Hz replay", "host/edit_latency", "longest_us", 1e-3, "ms", at_most=100.0),
     Figure("idle flow, source that is due later", "host/idle_flow/0", "percent_of_a_core", 1.0, "% of a core",
