@@ -19,7 +19,7 @@ std::string requireFileName(const std::string& file) {
 }
 
 std::string requireFile(const std::string& file) {
-    const std::string path = requireFileName(file);
+    std::string path = requireFileName(file);
     const Poco::File found(path);
     if (!found.exists() || found.isDirectory()) throw Poco::IOException("File not found : " + path);
     return path;

@@ -1,4 +1,5 @@
 #include "filters/common/CalibInputs.hpp"
+#include "tests/support/BareFilter.hpp"
 #include "tests/support/ExpectThrow.hpp"
 #include "tests/support/FilterHarness.hpp"
 
@@ -8,6 +9,7 @@
 
 using Filters::CalibInputs;
 using SensorFile::SensorFileConfig;
+using Support::BareFilter;
 using Support::column;
 using Support::FilterHarness;
 using Support::matrix;
@@ -16,13 +18,6 @@ using testing::ElementsAre;
 namespace {
 
 constexpr const char* kBadType = "bad type";
-
-class BareFilter : public Quoril::Core::Filter {
- public:
-    BareFilter() : Filter("bare", true) {}
-    [[nodiscard]] const char* getClassName() const override { return "BareFilter"; }
-    void process() override {}
-};
 
 class CalibInputsTest : public testing::Test {
  protected:

@@ -1,4 +1,5 @@
 #include "filters/common/CalibOutputs.hpp"
+#include "tests/support/BareFilter.hpp"
 #include "tests/support/ExpectThrow.hpp"
 #include "tests/support/FilterHarness.hpp"
 
@@ -12,18 +13,12 @@ using Filters::MatrixOutputPin;
 using Filters::MatrixOutputPins;
 using Filters::publishCalibration;
 using SensorFile::SensorFileConfig;
+using Support::BareFilter;
 using Support::expectThrow;
 using Support::matrix;
 using testing::ElementsAre;
 
 namespace {
-
-class BareFilter : public Quoril::Core::Filter {
- public:
-    BareFilter() : Filter("bare", true) {}
-    [[nodiscard]] const char* getClassName() const override { return "BareFilter"; }
-    void process() override {}
-};
 
 class CalibOutputsTest : public testing::Test {
  protected:

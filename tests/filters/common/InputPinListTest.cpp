@@ -1,23 +1,18 @@
 #include "filters/common/ColumnTypeChoice.hpp"
 #include "filters/common/InputPinList.hpp"
+#include "tests/support/BareFilter.hpp"
 #include "tests/support/ExpectThrow.hpp"
 #include "tests/support/FilterHarness.hpp"
 
 #include <gmock/gmock.h>
 
 using Filters::InputPinList;
+using Support::BareFilter;
 using Support::FilterHarness;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-class BareFilter : public Quoril::Core::Filter {
- public:
-    BareFilter() : Filter("bare", true) {}
-    [[nodiscard]] const char* getClassName() const override { return "BareFilter"; }
-    void process() override {}
-};
 
 class InputPinListTest : public testing::Test {
  protected:

@@ -1,5 +1,6 @@
 #include "filters/sensorfile/ReplayOutputs.hpp"
 #include "sensorfile/ColumnType.hpp"
+#include "tests/support/BareFilter.hpp"
 #include "tests/support/ExpectThrow.hpp"
 #include "tests/support/FilterHarness.hpp"
 
@@ -8,6 +9,7 @@
 #include <gmock/gmock.h>
 
 using SensorFile::SensorFileConfig;
+using Support::BareFilter;
 using Support::column;
 using Support::expectThrow;
 using Support::FilterHarness;
@@ -16,13 +18,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-class BareFilter : public Quoril::Core::Filter {
- public:
-    BareFilter() : Filter("bare", true) {}
-    [[nodiscard]] const char* getClassName() const override { return "BareFilter"; }
-    void process() override {}
-};
 
 class ReplayOutputsTest : public testing::Test {
  protected:
