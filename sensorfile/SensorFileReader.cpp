@@ -322,6 +322,20 @@ void SensorFileReader::rewind() {
     block_.seek(sampleStart_);
 }
 
+void SensorFileReader::seekRow(std::uint64_t row) {
+    if (!isOpen_) return;
+    if (!isBinary_) throw Poco::IllegalStateException("Rows of text files cannot be looked up!");
+    const auto rowSize = static_cast<std::int64_t>(binaryRow_.rowSize());
+    if (rowSize == 0) return;
+    const std::int64_t farthest =
+        (std::numeric_limits<std::int64_t>::max() - sampleStart_) / rowSize;
+    if (row > static_cast<std::uint64_t>(farthest))
+        throw Poco::RangeException("No file has so many rows!");
+    column_ = 0;
+    stream_.clear();
+    block_.seek(sampleStart_ + static_cast<std::int64_t>(row) * rowSize);
+}
+
 void SensorFileReader::close() {
     resetState();
     block_.close();

@@ -83,6 +83,13 @@ class SensorFileReader : public SensorFileIo {
     /// Back to the first sample. The position in the row is left as it is: rewind between rows.
     void rewind();
 
+    /// Goes to the start of a row of a binary file, counted from 0. A row that is not there may be
+    /// gone to; reading then finds the end.
+    /// @throws Poco::IllegalStateException for a text file: its rows have no fixed size
+    /// @throws Poco::RangeException, Poco::FileException naming the path, if no file of the system
+    ///         can be that long
+    void seekRow(std::uint64_t row);
+
     /// Offset in bytes of the next unread byte, from the start of the file.
     [[nodiscard]] std::int64_t position() const { return block_.position(); }
 
