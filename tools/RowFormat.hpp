@@ -1,0 +1,40 @@
+#pragma once
+
+#include "sensorfile/SensorFileConfig.hpp"
+#include "tools/RowReader.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace SensorFileTool {
+
+/// How rows are written as text.
+enum class RowFormat {
+    kCsv,        ///< a header line; fields with commas, quotes or line ends in quotes
+    kTsv,        ///< the same with tabs
+    kJsonLines,  ///< an object a row; what a number of JSON cannot hold is text
+};
+
+/// Turns chosen columns of rows into lines.
+class RowText {
+ public:
+    /// @param columns  indexes, in the order in which they are written
+    RowText(RowFormat format, const SensorFile::SensorFileConfig& config,
+            std::vector<std::size_t> columns);
+
+    /// Nothing for JSON lines.
+    void appendHeader(std::string& text) const;
+    void appendRow(std::string& text, const RowReader& rows) const;
+
+ private:
+    void appendJson(std::string& text, const RowReader& rows) const;
+
+    RowFormat format_;
+    char separator_;
+    std::vector<std::size_t> columns_;
+    std::vector<std::string> names_;  ///< as the format writes them
+};
+
+}  // namespace SensorFileTool
