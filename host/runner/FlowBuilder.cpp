@@ -131,12 +131,20 @@ void FlowBuilder::setProperty(const PropertyEntry& entry, Core::Filter& filter) 
         // What a file holds is no mistake of the flow, whatever the kind of exception.
         const bool isFile = description.kind == PropertyKind::kFileName;
         const std::string cause = describeRefusal(error, filter, *property, entry.value.text);
-        // A file that cannot be read is refused again by each property that makes it be read.
-        const bool isTold = fileRefusals_.contains({filterName, cause});
+        // A file that cannot be read is refused again by each property that makes it be read, and
+        // keeps properties locked that it would have unlocked.
+        const bool isLocked = dynamic_cast<const Poco::NoPermissionException*>(&error) != nullptr;
+        const bool isTold =
+            fileRefusals_.contains({filterName, cause}) || (isLocked && hasRefusedFile(filterName));
         if (isFile) fileRefusals_.insert({filterName, cause});
         if (!isTold)
             tellRefusal(entry, filterName, cause, isFile ? Severity::kFailure : severityOf(error));
     }
+}
+
+bool FlowBuilder::hasRefusedFile(const std::string& filterName) const {
+    const auto found = fileRefusals_.lower_bound({filterName, ""});
+    return found != fileRefusals_.end() && found->first == filterName;
 }
 
 void FlowBuilder::checkSwitches() {

@@ -50,6 +50,7 @@ class FlowBuilder {
     void addFilter(const FilterEntry& entry);
     void setProperties(const FilterEntry& entry, Core::Filter& filter);
     void setProperty(const PropertyEntry& entry, Core::Filter& filter);
+    [[nodiscard]] bool hasRefusedFile(const std::string& filterName) const;
     void checkSwitches();
     void checkWrittenFile(const Switch& later);
     void connect(const ConnectionEntry& connection);

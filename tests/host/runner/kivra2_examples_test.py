@@ -123,6 +123,14 @@ class Kivra2Examples(ProgramTest):
             self.assertEqual([sample["values"] for sample in self.samples("old.jsonl", pin)],
                              [sample["values"] for sample in self.samples("new.jsonl", pin)])
 
+    def test_missing_recording_is_told_in_one_line(self):
+        result = self.quoril("run", str(ROOT / "examples" / "kivra2-replay.yaml"))
+        path = os.path.realpath(self.folder) + "/kivra2.bin"
+        self.assert_ends(result, 1)
+        self.assertIn(f"cannot be set to 'kivra2.bin': File not valid. ({path} does not exist)\n",
+                      result.stderr)
+        self.assertEqual(result.stderr.count("\n"), 1)
+
     def test_saved_calibration_stands_in_for_the_unit(self):
         self.example("kivra2-save-calibration")
         self.assertEqual((self.folder / "kivra2.cal").stat().st_size, 296)
