@@ -198,9 +198,10 @@ void FilterRecordKivra2Format::takeRow(bool isPaused) {
 
 std::optional<std::uint16_t> FilterRecordKivra2Format::takeFrameCounter() {
     if (!isConnected(frameNumber_)) return 0;
-    const MatrixSample& frame = *frameNumber_.take();
-    if (frame.value.size() == 0) return std::nullopt;
-    return toCounter(*frame.value.data());
+    // Nothing waits if the pin was connected only after the samples were looked for.
+    const MatrixSample* frame = frameNumber_.take();
+    if (frame == nullptr || frame->value.size() == 0) return std::nullopt;
+    return toCounter(*frame->value.data());
 }
 
 void FilterRecordKivra2Format::writeRow(std::uint16_t counter, const MatrixSample& acc,
@@ -238,7 +239,7 @@ void FilterRecordKivra2Format::addAccMagCalib() {
         const Eigen::MatrixXd& accOffset = takeValue(acc_.offset);
         const Eigen::MatrixXd& magGain = takeValue(mag_.gain);
         const Eigen::MatrixXd& magOffset = takeValue(mag_.offset);
-        // One side of each offset is tested and no more: units send offsets of other lengths.
+        // On purpose one side of each offset is tested and no more.
         if (!isGain(accGain) || !isGain(magGain) || accOffset.rows() != 1 ||
             magOffset.cols() != kAxes)
             return;
