@@ -147,20 +147,22 @@ void forEachBlock(const Kinds& kinds, Add add) {
 
 }  // namespace
 
-BinaryRowCodec::BinaryRowCodec(const SensorFileConfig& config) {
+BinaryRowCodec::BinaryRowCodec(const SensorFileConfig& config)
+    : isBigEndian_(config.isBigEndian()) {
     std::vector<Kind> kinds;
     for (std::size_t i = 0; i < config.getColumnCount(); ++i) {
         const auto& column = config.getColumn(i);
         kinds.push_back(kindOf(column.getTypeCode()));
+        if (kinds.back() == Kind::u64 || kinds.back() == Kind::i64) wide_.push_back({i, rowSize_});
         rowSize_ += column.getSize();
     }
-    planBlocks(kinds, config.isBigEndian());
+    planBlocks(kinds);
 }
 
-void BinaryRowCodec::planBlocks(const std::vector<Kind>& kinds, bool isBigEndian) {
+void BinaryRowCodec::planBlocks(const std::vector<Kind>& kinds) {
     forEachBlock(kinds, [&](Kind kind, std::size_t columns) {
-        const auto unpack = isBigEndian ? unpackFor<std::endian::big>(kind, columns)
-                                        : unpackFor<std::endian::little>(kind, columns);
+        const auto unpack = isBigEndian_ ? unpackFor<std::endian::big>(kind, columns)
+                                         : unpackFor<std::endian::little>(kind, columns);
         unpacking_.push_back({unpack, columns, columns * sizeOf(kind)});
     });
     if (kinds.empty()) return;

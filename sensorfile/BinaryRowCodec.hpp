@@ -51,6 +51,21 @@ class BinaryRowCodec {
         }
     }
 
+    /// What decode() rounds: the bits of the 64-bit integers of a row.
+    /// @param bits room for one number per column; the others' are left alone
+    void decodeWide(const char* in, std::uint64_t* bits) const noexcept {
+        for (const Wide& wide : wide_) {
+            bits[wide.column] = isBigEndian_
+                                    ? loadAs<std::uint64_t, std::endian::big>(in + wide.offset)
+                                    : loadAs<std::uint64_t, std::endian::little>(in + wide.offset);
+        }
+    }
+    /// Puts the bits of the 64-bit integers into the bytes that encode() made.
+    void encodeWide(const std::uint64_t* bits, char* out) const noexcept {
+        for (const Wide& wide : wide_)
+            storeBigEndian(out + wide.offset, bits[wide.column]);
+    }
+
     /// Writes one value in its column's type.
     /// @param out room for kMaxValueSize bytes
     /// @return the end of what was written
@@ -82,6 +97,12 @@ class BinaryRowCodec {
         std::size_t bytes;
     };
 
+    /// A column of 64-bit integers, and where it is in a row's bytes.
+    struct Wide {
+        std::size_t column;
+        std::size_t offset;
+    };
+
     static Kind kindOf(int typeCode);
     static Kind packedKind(Kind kind);
     static Pack packFor(Kind kind, std::size_t columns);
@@ -89,12 +110,14 @@ class BinaryRowCodec {
     static Unpack unpackFor(Kind kind, std::size_t columns);
     static std::size_t sizeOf(Kind kind);
     void encodeBlocks(const double* row, char* out) const noexcept;
-    void planBlocks(const std::vector<Kind>& kinds, bool isBigEndian);
+    void planBlocks(const std::vector<Kind>& kinds);
 
     std::vector<Kind> kinds_{Kind::none};  ///< per column, as packed
     std::vector<Block<Pack>> packing_;
     Pack packRow_ = nullptr;  ///< the only block's function, if there is only one
     std::vector<Block<Unpack>> unpacking_;
+    std::vector<Wide> wide_;
+    bool isBigEndian_ = true;
     std::size_t rowSize_ = 0;
 };
 

@@ -1,6 +1,6 @@
 #include "sensorfile/NumberText.hpp"
 
-#include "sensorfile/ByteOrder.hpp"
+#include "sensorfile/DigitGroups.hpp"
 
 #include <algorithm>
 #include <array>
@@ -63,54 +63,6 @@ bool scale(double magnitude, int precision, Scaled& scaled) noexcept {
     return true;
 }
 
-/// Three digits and what is known of them: 4 KiB that stay in the nearest cache, as a table for
-/// four digits would not.
-class Triple {
- public:
-    constexpr Triple() = default;
-    constexpr explicit Triple(std::uint32_t number)
-        : bits_(('0' + number / 100) | ('0' + number / 10 % 10) << 8 | ('0' + number % 10) << 16 |
-                leadingZeros(number) << 24 | fractionLength(number) << 26) {}
-
-    /// The characters, the first in the low byte. The high byte means nothing as a character.
-    [[nodiscard]] constexpr std::uint32_t characters() const { return bits_; }
-    /// Before the first digit that an integer is written with; 2 for zero.
-    [[nodiscard]] constexpr std::uint32_t leadingZeros() const { return (bits_ >> 24) & 3; }
-    /// Digits without the zeros at the end; 0 for zero.
-    [[nodiscard]] constexpr std::uint32_t fractionLength() const { return bits_ >> 26; }
-
- private:
-    static constexpr std::uint32_t leadingZeros(std::uint32_t number) {
-        return number < 10 ? 2 : number < 100 ? 1 : 0;
-    }
-    static constexpr std::uint32_t fractionLength(std::uint32_t number) {
-        if (number == 0) return 0;
-        return number % 10 != 0 ? 3 : number % 100 != 0 ? 2 : 1;
-    }
-
-    std::uint32_t bits_ = 0;
-};
-
-constexpr auto kTriples = [] {
-    std::array<Triple, 1000> triples{};
-    for (std::uint32_t number = 0; number < triples.size(); ++number)
-        triples[number] = Triple(number);
-    return triples;
-}();
-
-/// Puts four characters, the first in the low byte.
-void putCharacters(char* out, std::uint32_t characters) noexcept {
-    if constexpr (std::endian::native == std::endian::big) characters = reverseBytes(characters);
-    std::memcpy(out, &characters, sizeof characters);
-}
-
-/// A number below 1000 without leading zeros. Room for 4 characters is needed, whatever the length.
-char* writeFewDigits(char* out, std::uint64_t value) noexcept {
-    const Triple digits = kTriples[static_cast<std::size_t>(value)];
-    putCharacters(out, digits.characters() >> (8 * digits.leadingZeros()));
-    return out + (3 - digits.leadingZeros());
-}
-
 /// Any number. On its own, so that the usual case stays short.
 [[gnu::noinline]] char* writeManyDigits(char* out, std::uint64_t value) noexcept {
     if (value < 1000) return writeFewDigits(out, value);
@@ -153,6 +105,59 @@ char* writeDecimals(char* point, std::uint32_t decimals, int precision, bool tri
     return end[-1] == '.' ? end - 1 : end;
 }
 
+/// formatShortest() knows the decimals of numbers from here...
+constexpr double kLeastFixed = 1e-3;
+/// ...to here: with nine decimals these are 15 digits at most, of which no two are the same double,
+/// so that there is no shorter text than theirs.
+constexpr double kFixedLimit = 1e6;
+/// From here on integers may be shorter with an exponent.
+constexpr std::uint64_t kFixedIntegerLimit = 100'000;
+/// Added and taken away again, it leaves no bits behind the point: rounds to the nearest.
+constexpr double kRounder = 0x1.8p52;
+
+/// A magnitude that nine decimals tell exactly; false if it is not one.
+bool splitExactly(double magnitude, Scaled& scaled) noexcept {
+    constexpr auto kUnit = std::uint64_t{kPowersOfTen[kMaxScaledPrecision]};
+    // Wider intermediate results (x87) would be rounded twice.
+    if (FLT_EVAL_METHOD != 0 || !(magnitude >= kLeastFixed && magnitude < kFixedLimit))
+        return false;
+    const double rounded = magnitude * static_cast<double>(kUnit) + kRounder - kRounder;
+    if (rounded / static_cast<double>(kUnit) != magnitude) return false;
+    const auto whole = static_cast<std::uint64_t>(rounded);
+    scaled.integer = whole / kUnit;
+    scaled.decimals = static_cast<std::uint32_t>(whole % kUnit);
+    return scaled.decimals != 0 || scaled.integer < kFixedIntegerLimit;
+}
+
+/// The same for floats below this.
+constexpr float kFloatLimit = 1024.0F;
+
+/// Decimals that tell floats of a magnitude apart: so many that no two texts are the same float,
+/// which lie up to 2^-20, 2^-17 or 2^-14 apart.
+std::size_t exactDecimals(float magnitude) noexcept {
+    if (magnitude < 16.0F) return 6;
+    return magnitude < 128.0F ? 5 : 4;
+}
+
+/// A magnitude that exactDecimals() tell exactly; false if it is not one. The quotient is rounded
+/// twice, to double and to float, but never lies so near the middle of two floats that this would
+/// matter.
+bool splitExactly(float magnitude, Scaled& scaled) noexcept {
+    if (FLT_EVAL_METHOD != 0 ||
+        !(magnitude >= static_cast<float>(kLeastFixed) && magnitude < kFloatLimit))
+        return false;
+    const std::size_t decimals = exactDecimals(magnitude);
+    const auto unit = static_cast<double>(kPowersOfTen[decimals]);
+    const double rounded = static_cast<double>(magnitude) * unit + kRounder - kRounder;
+    if (static_cast<float>(rounded / unit) != magnitude) return false;
+    const auto whole = static_cast<std::uint64_t>(rounded);
+    scaled.integer = whole / kPowersOfTen[decimals];
+    scaled.decimals = static_cast<std::uint32_t>(
+        whole % kPowersOfTen[decimals] *
+        kPowersOfTen[static_cast<std::size_t>(kMaxScaledPrecision) - decimals]);
+    return true;
+}
+
 // ---- Text to number ----
 
 /// More digits than these do not fit 64 bits.
@@ -171,33 +176,6 @@ struct Decimal {
     bool isNegative;
 };
 
-/// Compilers make one load of it where the processor's byte order allows.
-std::uint64_t loadLittleEndian(const char* p) noexcept {
-    const auto byte = [p](int i) {
-        return std::uint64_t{static_cast<unsigned char>(p[i])} << (8 * i);
-    };
-    return byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
-}
-
-/// How many of eight characters, each given as its difference to '0' by bits, are leading digits.
-int countDigits(std::uint64_t digits) noexcept {
-    constexpr std::uint64_t kHighBits = 0x8080'8080'8080'8080;
-    constexpr std::uint64_t kTenReachesHighBit = 0x7676'7676'7676'7676;
-    return std::countr_zero(((digits + kTenReachesHighBit) | digits) & kHighBits) / 8;
-}
-
-/// The number of eight digits, the first in the lowest byte: neighbours are joined to pairs, pairs
-/// to fours, fours to the whole.
-std::uint32_t joinDigits(std::uint64_t digits) noexcept {
-    constexpr std::uint64_t kEverySecondPair = 0x0000'00ff'0000'00ff;
-    const std::uint64_t pairs = digits * 10 + (digits >> 8);
-    const std::uint64_t first =
-        (pairs & kEverySecondPair) * (100 + (std::uint64_t{1'000'000} << 32));
-    const std::uint64_t second =
-        ((pairs >> 16) & kEverySecondPair) * (1 + (std::uint64_t{10'000} << 32));
-    return static_cast<std::uint32_t>((first + second) >> 32);
-}
-
 /// The digits at p are appended to mantissa, modulo 2^64; returns their end. For the few digits
 /// that are usual before a point.
 const char* takeFewDigits(const char* p, const char* last, std::uint64_t& mantissa) noexcept {
@@ -212,12 +190,10 @@ const char* takeFewDigits(const char* p, const char* last, std::uint64_t& mantis
 /// The same, eight at a time: for the many digits that are usual after a point.
 const char* takeManyDigits(const char* p, const char* last, std::uint64_t& mantissa) noexcept {
     while (last - p >= 8) {
-        const std::uint64_t digits = loadLittleEndian(p) ^ 0x3030'3030'3030'3030;
+        const std::uint64_t digits = digitsOf(loadLittleEndian(p));
         const int count = countDigits(digits);
-        // Shifted up, the missing digits become leading zeros; two shifts, for a count of 0.
-        const int halfShift = 4 * (8 - count);
-        mantissa = mantissa * kPowersOfTen[static_cast<std::size_t>(count)] +
-                   joinDigits(digits << halfShift << halfShift);
+        mantissa =
+            mantissa * kPowersOfTen[static_cast<std::size_t>(count)] + joinDigits(digits, count);
         p += count;
         if (count < 8) return p;
     }
@@ -352,6 +328,29 @@ char* formatFixed(char* out, double value, int precision, bool trimZeros) noexce
                                               : writeManyDigits(out, scaled.integer);
     if (precision == 0) return point;
     return writeDecimals(point, scaled.decimals, precision, trimZeros);
+}
+
+namespace {
+
+template <typename T>
+char* formatShortestOf(char* out, T value) noexcept {
+    Scaled scaled{};
+    if (!splitExactly(std::abs(value), scaled))
+        return std::to_chars(out, out + kMaxShortestText, value).ptr;
+    *out = '-';
+    out += value < 0 ? 1 : 0;
+    out = writeSixDigits(out, static_cast<std::uint32_t>(scaled.integer));
+    return writeDecimals(out, scaled.decimals, kMaxScaledPrecision, /*trimZeros=*/true);
+}
+
+}  // namespace
+
+char* formatShortest(char* out, double value) noexcept {
+    return formatShortestOf(out, value);
+}
+
+char* formatShortest(char* out, float value) noexcept {
+    return formatShortestOf(out, value);
 }
 
 std::from_chars_result parseDouble(const char* first, const char* last, double& value) noexcept {

@@ -203,43 +203,62 @@ bool SensorFileReader::readValue(Poco::Dynamic::Var& value) {
 }
 
 bool SensorFileReader::readRow(std::span<double> row) {
-    if (takeRow(row.data(), row.size())) return true;
+    return readWholeRow(row, nullptr);
+}
+
+bool SensorFileReader::readRow(std::span<double> row, std::span<std::uint64_t> bits) {
+    if (bits.size() != row.size()) {
+        throw Poco::InvalidArgumentException("A row needs one value per column!");
+    }
+    return readWholeRow(row, bits.data());
+}
+
+inline bool SensorFileReader::readWholeRow(std::span<double> row, std::uint64_t* bits) {
+    if (takeRow(row.data(), bits, row.size())) return true;
     if (!isOpen_ || columnCount_ == 0) return false;
     if (row.size() != columnCount_) {
         throw Poco::InvalidArgumentException("A row needs one value per column!");
     }
     if (column_ != 0) throw Poco::IllegalStateException("A row has been begun value by value!");
-    return readRowValues(row.data());
+    return readRowValues(row.data(), bits);
 }
 
 /// Counts a row in any case, as reads value by value do.
-bool SensorFileReader::readRowValues(double* row) {
+bool SensorFileReader::readRowValues(double* row, std::uint64_t* bits) {
     countRow();
-    return stream_.good() && (isBinary_ ? readSplitRow(row) : readTextRow(row));
+    return stream_.good() && (isBinary_ ? readSplitRow(row, bits) : readTextRow(row, bits));
 }
 
 /// A binary row that lies across two blocks, or beyond the end.
-bool SensorFileReader::readSplitRow(double* row) {
+bool SensorFileReader::readSplitRow(double* row, std::uint64_t* bits) {
     stream_.read(splitRow_.data(), static_cast<std::streamsize>(splitRow_.size()));
     if (!stream_.good()) return false;
     binaryRow_.decode(splitRow_.data(), row);
+    if (bits != nullptr) binaryRow_.decodeWide(splitRow_.data(), bits);
     return true;
 }
 
-bool SensorFileReader::readTextRow(double* row) {
+bool SensorFileReader::readTextRow(double* row, std::uint64_t* bits) {
     std::size_t column = 0;
     for (;;) {
-        block_.consume(textRow_.parse(block_.cursor(), block_.end(), row, column));
+        block_.consume(textRow_.parse(block_.cursor(), block_.end(), row, bits, column));
         if (column == columnCount_) return true;
         if (block_.extend()) continue;
-        row[column] = extractTextColumn(column);
+        row[column] = extractTextColumn(column, bits == nullptr ? nullptr : bits + column);
         if (!stream_.good()) return false;
         if (++column == columnCount_) return true;
     }
 }
 
+template <typename T>
+double SensorFileReader::extractWide(std::uint64_t* bits) {
+    const T value = extractText<T>();
+    if (bits != nullptr) *bits = static_cast<std::uint64_t>(value);
+    return static_cast<double>(value);
+}
+
 /// One value as the stream reads it: where the file ends, and where the text is unusual.
-double SensorFileReader::extractTextColumn(std::size_t column) {
+double SensorFileReader::extractTextColumn(std::size_t column, std::uint64_t* bits) {
     switch (config_.getColumn(column).getTypeCode()) {
         case kUChar:
             return extractText<unsigned char>();
@@ -262,9 +281,9 @@ double SensorFileReader::extractTextColumn(std::size_t column) {
         case kDouble:
             return extractText<double>();
         case kUInt64:
-            return static_cast<double>(extractText<std::uint64_t>());
+            return extractWide<std::uint64_t>(bits);
         case kInt64:
-            return static_cast<double>(extractText<std::int64_t>());
+            return extractWide<std::int64_t>(bits);
         default:
             return extractText<bool>() ? 1.0 : 0.0;
     }

@@ -56,6 +56,11 @@ class SensorFileReader : public SensorFileIo {
     /// @throws Poco::IllegalStateException if a row has been begun value by value
     bool readRow(std::span<double> row);
 
+    /// The same, and beside the values, which hold large ones only rounded, the exact bits of
+    /// 64-bit integers.
+    /// @param bits one number per column; set are those of columns of type "uint64" and "int64"
+    bool readRow(std::span<double> row, std::span<std::uint64_t> bits);
+
     /// Reads the next value in its column's own type; "uint8" and "int8" columns give 32-bit
     /// numbers in text.
     /// @return false if closed or without columns
@@ -103,15 +108,18 @@ class SensorFileReader : public SensorFileIo {
     template <typename T>
     T extractText();
     double extractNonFinite(bool isNegative);
-    double extractTextColumn(std::size_t column);
+    double extractTextColumn(std::size_t column, std::uint64_t* bits);
+    template <typename T>
+    double extractWide(std::uint64_t* bits);
     [[nodiscard]] bool isNextOfType(std::string_view typeName) const;
     void readSections(const std::string& path);
     void readRecordingSections();
     void readCalibOnlySection();
-    bool takeRow(double* row, std::size_t size);
-    bool readSplitRow(double* row);
-    bool readTextRow(double* row);
-    bool readRowValues(double* row);
+    bool takeRow(double* row, std::uint64_t* bits, std::size_t size);
+    bool readWholeRow(std::span<double> row, std::uint64_t* bits);
+    bool readSplitRow(double* row, std::uint64_t* bits);
+    bool readTextRow(double* row, std::uint64_t* bits);
+    bool readRowValues(double* row, std::uint64_t* bits);
 
     InputBlock block_;
     std::istream stream_{&block_};

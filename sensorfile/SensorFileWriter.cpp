@@ -66,6 +66,7 @@ void SensorFileWriter::open(const std::string& path, const SensorFileConfig& con
     if (isOpen_) return;
     isBinary_ = binary;
     refusedRowCount_ = 0;
+    areTextRowsWaiting_ = false;
     isRowWaiting_ = false;
     rowsPerLook_ = 1;
     rowsSinceLook_ = 0;
@@ -117,7 +118,7 @@ void SensorFileWriter::writeHeldRow() {
     --column_;
     block_.reserve(binaryRow_.rowSize());
     column_ = 0;
-    writeBinaryRow(heldRow_.data());
+    writeBinaryRow(heldRow_.data(), nullptr);
 }
 
 /// Before anything but a plain value follows within a row, and before the file is closed.
@@ -167,41 +168,60 @@ void SensorFileWriter::writeTextNumber(T value) {
 
 void SensorFileWriter::writeRow(std::span<const double> row) {
     if (isRowHeld_ && column_ == 0 && row.size() == columnCount_) {
-        writeBinaryRow(row.data());
+        writeBinaryRow(row.data(), nullptr);
     } else {
-        writeUnusualRow(row);
+        writeUnusualRow(row, nullptr);
     }
 }
 
+void SensorFileWriter::writeRow(std::span<const double> row, std::span<const std::uint64_t> bits) {
+    if (bits.size() != row.size()) {
+        throw Poco::InvalidArgumentException("A row needs one value per column!");
+    }
+    writeUnusualRow(row, bits.data());
+}
+
+void SensorFileWriter::writeRowBytes(std::string_view rows) {
+    if (column_ != 0) throw Poco::IllegalStateException("A row has been begun value by value!");
+    const std::size_t rowSize = isBinary_ ? binaryRow_.rowSize() : 0;
+    const bool isWhole = rowSize != 0 ? rows.size() % rowSize == 0 : rows.ends_with('\n');
+    if (!isWhole && !rows.empty())
+        throw Poco::InvalidArgumentException("The bytes end within a row!");
+    block_.commit(std::copy(rows.begin(), rows.end(), block_.reserve(rows.size())));
+    block_.markRow();
+    if (!isBinary_ && !areTextRowsWaiting_) block_.flushRows();
+}
+
 /// Text, and what is refused. On its own, so that the usual case stays short.
-void SensorFileWriter::writeUnusualRow(std::span<const double> row) {
+void SensorFileWriter::writeUnusualRow(std::span<const double> row, const std::uint64_t* bits) {
     if (row.size() != columnCount_) {
         throw Poco::InvalidArgumentException("A row needs one value per column!");
     }
     if (columnCount_ == 0) throw Poco::InvalidAccessException("The file has no columns.");
     if (column_ != 0) throw Poco::IllegalStateException("A row has been begun value by value!");
     if (isBinary_) {
-        writeBinaryRow(row.data());
+        writeBinaryRow(row.data(), bits);
     } else {
-        writeTextRow(row);
+        writeTextRow(row, bits);
     }
 }
 
-inline void SensorFileWriter::writeBinaryRow(const double* row) {
+inline void SensorFileWriter::writeBinaryRow(const double* row, const std::uint64_t* bits) {
     const std::size_t size = binaryRow_.rowSize();
     char* const out = block_.reserve(size);
     binaryRow_.encode(row, out);
+    if (bits != nullptr) binaryRow_.encodeWide(bits, out);
     block_.commitRow(size);
     countRow();
     endBinaryRow();
 }
 
-void SensorFileWriter::writeTextRow(std::span<const double> row) {
+void SensorFileWriter::writeTextRow(std::span<const double> row, const std::uint64_t* bits) {
     try {
         for (std::size_t first = 0; first < row.size(); first += kValuesPerRoom) {
             const auto values = row.subspan(first, std::min(row.size() - first, kValuesPerRoom));
             char* const out = block_.reserve(values.size() * (textRow_.maxValueSize() + 1) + 1);
-            block_.commit(textRow_.formatValues(first, values, out));
+            block_.commit(textRow_.formatValues(first, values, bits, out));
         }
     } catch (const Poco::Exception&) {
         refuseRow();
@@ -224,7 +244,7 @@ void SensorFileWriter::endTextRow() {
     *out = '\n';
     block_.commit(out + 1);
     block_.markRow();
-    block_.flushRows();
+    if (!areTextRowsWaiting_) block_.flushRows();
 }
 
 inline void SensorFileWriter::endBinaryRow() {

@@ -82,6 +82,22 @@ class SensorFileWriter : public SensorFileIo {
     /// @throws as write(); nothing of the row is written then
     void writeRow(std::span<const double> row);
 
+    /// The same with the exact 64-bit integers, of which the values hold large ones only rounded.
+    /// @param bits one number per column; used are those of columns of type "uint64" and "int64"
+    void writeRow(std::span<const double> row, std::span<const std::uint64_t> bits);
+
+    /// Appends whole rows as they stand in another file of the same columns and encoding: binary
+    /// ones big-endian, text ones with a line end behind each. They are not looked at.
+    /// @throws Poco::InvalidArgumentException if the bytes end within a row: binary ones are no
+    ///         multiple of the row's size, text ones have no line end at their end
+    /// @throws Poco::IllegalStateException if a row has been begun value by value
+    /// @throws Poco::InvalidAccessException if closed; Poco::FileException as write()
+    void writeRowBytes(std::string_view rows);
+
+    /// Text rows reach the system one by one, for recordings. Whoever writes a file from what is
+    /// at hand already may let them wait until a block of them is full. Lasts until open().
+    void setTextRowsWaiting(bool areWaiting) { areTextRowsWaiting_ = areWaiting; }
+
     /// Text encoding: appends a formatted value and a TAB, and in the last column a line end. Does
     /// not move on to the next column; write() does.
     /// @throws Poco::InvalidAccessException if closed
@@ -135,9 +151,9 @@ class SensorFileWriter : public SensorFileIo {
     void writeNumber(T value);
     template <typename T>
     void writeTextNumber(T value);
-    void writeBinaryRow(const double* row);
-    void writeUnusualRow(std::span<const double> row);
-    void writeTextRow(std::span<const double> row);
+    void writeBinaryRow(const double* row, const std::uint64_t* bits);
+    void writeUnusualRow(std::span<const double> row, const std::uint64_t* bits);
+    void writeTextRow(std::span<const double> row, const std::uint64_t* bits);
     template <typename T>
     void writePrimitive(const T& value);
     void prepareRows(const SensorFileConfig& config);
@@ -155,6 +171,7 @@ class SensorFileWriter : public SensorFileIo {
     std::vector<double> heldRow_;
     /// All values of the begun row are in heldRow_, none in the block; true between binary rows.
     bool isRowHeld_ = false;
+    bool areTextRowsWaiting_ = false;
     const Clock* clock_ = nullptr;
     bool isRowWaiting_ = false;  ///< a whole binary row is in memory only, since waitingSince_
     std::chrono::nanoseconds waitingSince_{0};

@@ -1,6 +1,7 @@
 #include "sensorfile/TextRowCodec.hpp"
 
 #include "sensorfile/ColumnType.hpp"
+#include "sensorfile/DigitGroups.hpp"
 #include "sensorfile/NumberText.hpp"
 #include "sensorfile/SensorFileConfig.hpp"
 #include "sensorfile/ValueCast.hpp"
@@ -9,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <system_error>
 
 #include <Poco/Exception.h>
@@ -46,11 +48,35 @@ const char* closedBy(std::from_chars_result result, const char* last) {
     return isWhole ? result.ptr : nullptr;
 }
 
+/// An integer of a few digits that a TAB follows, as all are that a writer wrote: the whole is in
+/// one load. nullptr otherwise. No branch depends on the sign or on the number of digits, which
+/// cannot be foreseen.
+const char* parseShort(const char* first, const char* last, std::int64_t& value) {
+    if (last - first < 8) return nullptr;
+    const std::uint64_t characters = loadLittleEndian(first);
+    const int sign = (characters & 0xff) == '-' ? 1 : 0;
+    const std::uint64_t digits = digitsOf(characters >> (8 * sign));
+    const int count = countDigits(digits);
+    const auto magnitude = static_cast<std::int64_t>(joinDigits(digits, count));
+    value = (magnitude ^ -sign) + sign;
+    const char* const end = first + sign + count;
+    return count > 0 && sign + count < 8 && *end == '\t' ? end : nullptr;
+}
+
 template <typename Integer>
 const char* parseWhole(const char* first, const char* last, double& value) {
     Integer number{};
     const char* const end = closedBy(parseInteger(first, last, number), last);
     value = static_cast<double>(number);
+    return end;
+}
+
+template <typename Integer>
+const char* parseWide(const char* first, const char* last, double& value, std::uint64_t* bits) {
+    Integer number{};
+    const char* const end = closedBy(parseInteger(first, last, number), last);
+    value = static_cast<double>(number);
+    if (bits != nullptr) *bits = static_cast<std::uint64_t>(number);
     return end;
 }
 
@@ -68,7 +94,8 @@ const char* parseWholeBool(const char* first, const char* last, double& value) {
     return first + 1;
 }
 
-const char* parseValue(int typeCode, const char* first, const char* last, double& value) {
+const char* parseValue(int typeCode, const char* first, const char* last, double& value,
+                       std::uint64_t* bits) {
     switch (typeCode) {
         case kUChar:
             value = static_cast<double>(static_cast<unsigned char>(*first));
@@ -89,9 +116,9 @@ const char* parseValue(int typeCode, const char* first, const char* last, double
         case kInt32:
             return parseWhole<std::int32_t>(first, last, value);
         case kUInt64:
-            return parseWhole<std::uint64_t>(first, last, value);
+            return parseWide<std::uint64_t>(first, last, value, bits);
         case kInt64:
-            return parseWhole<std::int64_t>(first, last, value);
+            return parseWide<std::int64_t>(first, last, value, bits);
         case kFloat:
             return parseWholeFloat(first, last, value);
         case kDouble:
@@ -103,7 +130,7 @@ const char* parseValue(int typeCode, const char* first, const char* last, double
 
 }  // namespace
 
-TextRowCodec::TextRowCodec() : typeCodes_{kNoColumns}, maxValueSize_(kMaxNumberText) {}
+TextRowCodec::TextRowCodec() : typeCodes_{kNoColumns}, ranges_(1), maxValueSize_(kMaxNumberText) {}
 
 TextRowCodec::TextRowCodec(const SensorFileConfig& config)
     : precision_(std::min(config.getDoublePrecision(), kMaxDecimals)),  // zeros are trimmed anyway
@@ -113,6 +140,32 @@ TextRowCodec::TextRowCodec(const SensorFileConfig& config)
         typeCodes_.push_back(config.getColumn(i).getTypeCode());
     }
     if (typeCodes_.empty()) typeCodes_.push_back(kNoColumns);
+    for (const int typeCode : typeCodes_)
+        ranges_.push_back(rangeOf(typeCode));
+}
+
+TextRowCodec::Range TextRowCodec::rangeOf(int typeCode) {
+    const auto limitsOf = []<typename T>(T) {
+        return Range{std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max()};
+    };
+    switch (typeCode) {
+        case kUInt8:
+            return limitsOf(std::uint8_t{});
+        case kInt8:
+            return limitsOf(std::int8_t{});
+        case kUShort:
+        case kUInt16:
+            return limitsOf(std::uint16_t{});
+        case kShort:
+        case kInt16:
+            return limitsOf(std::int16_t{});
+        case kUInt32:
+            return limitsOf(std::uint32_t{});
+        case kInt32:
+            return limitsOf(std::int32_t{});
+        default:
+            return {};
+    }
 }
 
 template <typename T>
@@ -160,11 +213,20 @@ template char* TextRowCodec::format(std::size_t, std::int64_t, char*) const;
 template char* TextRowCodec::format(std::size_t, std::uint64_t, char*) const;
 
 char* TextRowCodec::formatValues(std::size_t first, std::span<const double> values,
-                                 char* out) const {
+                                 const std::uint64_t* bits, char* out) const {
     const int* typeCode = typeCodes_.data() + first;
     for (const double value : values) {
-        out =
-            *typeCode == kDouble ? formatNumber(out, value, precision_) : format(first, value, out);
+        if (*typeCode == kDouble) {
+            out = formatNumber(out, value, precision_);
+        } else if (ranges_[first].holds(value)) {
+            out = formatShortInteger(out, static_cast<std::int64_t>(value));
+        } else if (bits != nullptr && *typeCode == kUInt64) {
+            out = formatInteger(out, bits[first]);
+        } else if (bits != nullptr && *typeCode == kInt64) {
+            out = formatInteger(out, static_cast<std::int64_t>(bits[first]));
+        } else {
+            out = format(first, value, out);
+        }
         *out++ = '\t';
         ++typeCode;
         ++first;
@@ -172,15 +234,39 @@ char* TextRowCodec::formatValues(std::size_t first, std::span<const double> valu
     return out;
 }
 
+/// Takes neighbouring columns of short integers, as far as they are what they mostly are. On its
+/// own, so that the loop is a tight one.
+const char* TextRowCodec::parseShorts(const char* first, const char* last, double* row,
+                                      std::size_t& column) const noexcept {
+    const Range* range = ranges_.data() + column;
+    const Range* const end = ranges_.data() + ranges_.size();
+    for (; range != end && !range->isEmpty(); ++range) {
+        const char* p = first;
+        while (p != last && isBlank(*p))
+            ++p;
+        std::int64_t value = 0;
+        p = parseShort(p, last, value);
+        if (p == nullptr || !range->holds(value)) break;
+        row[column++] = static_cast<double>(value);
+        first = p;
+    }
+    return first;
+}
+
 const char* TextRowCodec::parse(const char* first, const char* last, double* row,
-                                std::size_t& column) const noexcept {
+                                std::uint64_t* bits, std::size_t& column) const noexcept {
     for (; column < typeCodes_.size(); ++column) {
+        if (!ranges_[column].isEmpty()) {
+            first = parseShorts(first, last, row, column);
+            if (column == typeCodes_.size()) break;
+        }
         const char* p = first;
         while (p != last && isBlank(*p))
             ++p;
         if (p == last) return first;
         double value = 0;
-        const char* const end = parseValue(typeCodes_[column], p, last, value);
+        const char* const end = parseValue(typeCodes_[column], p, last, value,
+                                           bits == nullptr ? nullptr : bits + column);
         if (end == nullptr) return first;
         row[column] = value;
         first = end;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -29,21 +30,46 @@ class TextRowCodec {
 
     /// Writes the values of neighbouring columns, each as format() does, and a TAB after each.
     /// @param first the first value's column
+    /// @param bits the whole row's 64-bit integers, one per column, which the values only hold
+    ///        rounded; nullptr takes the values
     /// @param out room for maxValueSize() + 1 characters for each value
     /// @return the end of the text
     /// @throws as format()
-    char* formatValues(std::size_t first, std::span<const double> values, char* out) const;
+    char* formatValues(std::size_t first, std::span<const double> values, const std::uint64_t* bits,
+                       char* out) const;
 
     /// Reads values as streams extract them, as far as each is followed by a blank before `last`:
     /// what is cut off by the end or is no plain number is left to the stream itself.
     /// @param column the first value's column; moved on to the first that was not read
     /// @param row one value per column; only those read are set
+    /// @param bits the same for the bits of 64-bit integers; nullptr where nobody wants them
     /// @return the end of what was read
-    const char* parse(const char* first, const char* last, double* row,
+    const char* parse(const char* first, const char* last, double* row, std::uint64_t* bits,
                       std::size_t& column) const noexcept;
 
  private:
+    /// What a column of integers of up to 32 bits can hold. No other column has any.
+    struct Range {
+        std::int64_t lowest = 1;
+        std::int64_t highest = -1;
+
+        [[nodiscard]] bool isEmpty() const { return highest < lowest; }
+        [[nodiscard]] bool holds(std::int64_t value) const {
+            return value >= lowest && value <= highest;
+        }
+        /// Whether a number that is truncated is within.
+        [[nodiscard]] bool holds(double value) const {
+            return value > static_cast<double>(lowest) - 1.0 &&
+                   value < static_cast<double>(highest) + 1.0;
+        }
+    };
+
+    static Range rangeOf(int typeCode);
+    const char* parseShorts(const char* first, const char* last, double* row,
+                            std::size_t& column) const noexcept;
+
     std::vector<int> typeCodes_;  ///< per column; 0 stands for no columns
+    std::vector<Range> ranges_;
     int precision_ = 0;
     std::size_t maxValueSize_;
 };

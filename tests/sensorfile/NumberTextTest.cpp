@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <iomanip>
@@ -184,6 +185,88 @@ RC_GTEST_PROP(FormatFixed, GivesTheStreamsTextForAnyDouble, (std::uint64_t bits)
     const int precision = *rc::gen::inRange(0, kMaxPrecision + 1);
     RC_ASSERT(fixedText(value, precision) == streamText(value, precision));
     RC_ASSERT(fixedText(value, precision, true) == trimmed(streamText(value, precision)));
+}
+
+// std::to_chars is the reference of the shortest text.
+
+template <typename T>
+std::string shortestText(T value) {
+    std::array<char, kMaxShortestText> text{};
+    return {text.data(), formatShortest(text.data(), value)};
+}
+
+template <typename T>
+void expectShortest(T value) {
+    std::array<char, 64> text{};
+    const std::string expected(text.data(), std::to_chars(text.data(), text.end(), value).ptr);
+    ASSERT_EQ(shortestText(value), expected);
+}
+
+TEST(FormatShortest, WritesFewDecimalsZerosAndExponents) {
+    EXPECT_EQ(shortestText(0.1), "0.1");
+    EXPECT_EQ(shortestText(-0.0), "-0");
+    EXPECT_EQ(shortestText(-12.000000001), "-12.000000001");
+    EXPECT_EQ(shortestText(999999.999999999), "999999.999999999");
+    EXPECT_EQ(shortestText(10000.0), "10000");
+    EXPECT_EQ(shortestText(100000.0), "1e+05");
+    EXPECT_EQ(shortestText(100001.5), "100001.5");
+    EXPECT_EQ(shortestText(0.001), "0.001");
+    EXPECT_EQ(shortestText(0.0001), "1e-04");
+    EXPECT_EQ(shortestText(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(shortestText(-Limits::infinity()), "-inf");
+    EXPECT_EQ(shortestText(-Limits::max()), "-1.7976931348623157e+308");
+}
+
+TEST(FormatShortest, DecimalsOfAnyLengthAndTheirNeighbours) {
+    for (int digits = 1; digits <= 17; ++digits) {
+        for (int exponent = -12; exponent <= 9; ++exponent) {
+            const double value = 12345678901234567e-16 * std::pow(10.0, exponent);
+            std::ostringstream text;
+            text << std::scientific << std::setprecision(digits - 1) << value;
+            const double shortened = std::stod(text.str());
+            for (const double one : {shortened, std::nextafter(shortened, 0.0),
+                                     std::nextafter(shortened, Limits::max())}) {
+                ASSERT_NO_FATAL_FAILURE(expectShortest(one));
+                ASSERT_NO_FATAL_FAILURE(expectShortest(-one));
+            }
+        }
+    }
+}
+
+RC_GTEST_PROP(FormatShortest, GivesTheTextOfToCharsForAnyDouble, (std::uint64_t bits)) {
+    expectShortest(std::bit_cast<double>(bits));
+}
+
+RC_GTEST_PROP(FormatShortest, GivesTheTextOfToCharsForShortDecimals, (std::int64_t number)) {
+    for (const double unit : {1e2, 1e5, 1e9, 1e10})
+        expectShortest(static_cast<double>(number % 1'000'000'000'000'000) / unit);
+}
+
+TEST(FormatShortest, WritesFloatsAsFloats) {
+    EXPECT_EQ(shortestText(0.1F), "0.1");
+    EXPECT_EQ(shortestText(-9.80665F), "-9.80665");
+    EXPECT_EQ(shortestText(15.999999F), "15.999999");
+    EXPECT_EQ(shortestText(127.99999F), "127.99999");
+    EXPECT_EQ(shortestText(1023.9999F), "1023.9999");
+    EXPECT_EQ(shortestText(1e-4F), "1e-04");
+    EXPECT_EQ(shortestText(0.3333333333F), "0.33333334");
+}
+
+// Of each doubling and its surroundings.
+TEST(FormatShortest, FloatsOfAllSizesAreAsToCharsWritesThem) {
+    constexpr std::uint32_t kStep = 9973;
+    for (auto bits = std::bit_cast<std::uint32_t>(1e-4F); bits < std::bit_cast<std::uint32_t>(4e3F);
+         bits += kStep)
+        ASSERT_NO_FATAL_FAILURE(expectShortest(std::bit_cast<float>(bits)));
+}
+
+RC_GTEST_PROP(FormatShortest, GivesTheTextOfToCharsForAnyFloat, (std::uint32_t bits)) {
+    expectShortest(std::bit_cast<float>(bits));
+}
+
+RC_GTEST_PROP(FormatShortest, GivesTheTextOfToCharsForShortFloats, (std::int32_t number)) {
+    for (const float unit : {1e2F, 1e4F, 1e5F, 1e6F})
+        expectShortest(static_cast<float>(number % 100'000'000) / unit);
 }
 
 // ---- Text to number ----
