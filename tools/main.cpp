@@ -1,8 +1,29 @@
-#include "tools/CommandLine.hpp"
+#include "tools/common/Platform.hpp"
+#include "tools/program/CommandLine.hpp"
 
+#include <cstdlib>
 #include <iostream>
+#include <string_view>
+
+namespace {
+
+/// See no-color.org: any text in the variable but an empty one.
+bool isColorWanted() {
+    const char* const noColor = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
+           std::string_view(terminal) != "dumb";
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    namespace Platform = SensorFileTool::Platform;
     std::ios::sync_with_stdio(false);
-    return SensorFileTool::runProgram(argc, argv, std::cout, std::cerr);
+    std::cin.tie(nullptr);
+    Platform::prepareStandardStreams();
+    SensorFileTool::Console console{std::cin, std::cout, std::cerr,
+                                    Platform::isOutputTerminal() && isColorWanted(),
+                                    Platform::isErrorTerminal()};
+    return SensorFileTool::runProgram(argc, argv, console);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/sensorfile/TestSupport.hpp"
-#include "tools/Recording.hpp"
+#include "tools/recording/Recording.hpp"
 
 #include <memory>
 #include <string>
@@ -26,7 +26,7 @@ class ToolTest : public testing::Test {
         return open(configOfTypes(typeCodes), true, SensorFile::bytes(hex));
     }
     Recording& reopen() {
-        recording_ = std::make_unique<Recording>(file.path());
+        recording_ = std::make_unique<Recording>(InputFile(file.path()));
         return *recording_;
     }
 

@@ -10,48 +10,17 @@ import math
 import os
 import pathlib
 import random
+import signal
 import struct
 import subprocess
+import threading
 import sys
-import tempfile
 import unittest
 
-from sample_files import (CALIB, CALIBRATED, CODES, DATA, GAIN, IMU, IMU_ROWS, RANGE, TYPES,
-                          binary_calib, binary_file, binary_header, date, kivra2_calib, opening,
-                          pack_rows, text_calib, text_file)
-
-PROGRAM, ROOT = sys.argv[1], pathlib.Path(sys.argv[2])
-# No test takes that long; a hanging one ends at last.
-LIMIT = 60
-
-
-class ToolTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def write(self, name, content):
-        (self.folder / name).write_bytes(content)
-        return name
-
-    def tool(self, *arguments, **options):
-        options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **options}
-        return subprocess.run([PROGRAM, *arguments], cwd=self.folder, timeout=LIMIT,
-                              stdin=subprocess.DEVNULL, **options)
-
-    def output_of(self, *arguments, code=0, stderr="", **options):
-        """What is written to stdout by a call of which the rest is as given."""
-        result = self.tool(*arguments, **options)
-        self.assertEqual((result.returncode, result.stderr), (code, stderr))
-        return result.stdout
-
-    def assert_fails(self, result, code=1):
-        """Nothing on stdout, one line on stderr."""
-        self.assertEqual((result.returncode, result.stdout), (code, ""), result.stderr)
-        self.assertRegex(result.stderr, r"\Asensorfile: [^\n]+\n\Z")
+from sample_files import (CODES, DATA, GAIN, IMU, IMU_ROWS, RANGE, TYPES, binary_calib, binary_file,
+                          binary_header, kivra2_calib, legacy_file, opening, pack_rows, text_calib,
+                          text_file)
+from tool_test import LIMIT, PROGRAM, ROOT, ToolTest, main
 
 
 class Usage(ToolTest):
@@ -102,7 +71,10 @@ class Usage(ToolTest):
 class Info(ToolTest):
     def json_of(self, *arguments, code=0, stderr=""):
         lines = self.output_of("info", "--json", *arguments, code=code, stderr=stderr)
-        return [json.loads(line) for line in lines.splitlines()]
+        found = [json.loads(line) for line in lines.splitlines()]
+        for one in found:
+            self.assert_schema(one)
+        return found
 
     def expected(self, name, **changes):
         def column(name, kind):
@@ -122,7 +94,8 @@ class Info(ToolTest):
                      "values": RANGE[2]}]},
             "rows": 10, "trailing_values": 0, "trailing_bytes": 0,
             "size_bytes": (self.folder / name).stat().st_size,
-            "measured": [{"column": "TIME", "rate_hz": 200.0, "first_s": 0.0, "last_s": 0.045}],
+            "measured": [{"column": "TIME", "rate_hz": 200.0, "first_s": 0.0, "last_s": 0.045},
+                         {"column": "COUNT", "rate_hz": 200.0, "missing_rows": 0}],
             **changes}
 
     def assert_told(self, name, code=0, stderr="", **changes):
@@ -153,6 +126,7 @@ class Info(ToolTest):
   frequency    200 Hz
   rows         10, 0.05 s at 200 Hz
   measured     200 Hz by TIME, from 0 s to 0.045 s
+  measured     200 Hz by COUNT, no row missing
   size         {size} bytes
   columns      4
     COUNT  uint16, 2 byte(s)
@@ -227,11 +201,7 @@ class Info(ToolTest):
         self.assertIn("calibration  none", self.output_of("info", "a.bin"))
 
     def test_legacy_header_and_bare_calibration(self):
-        values = struct.pack(">12d", *range(12))
-        calib = (opening(">", CALIB, 0x0100) + struct.pack(">Q", 32 + len(values)) +
-                 date(">", CALIBRATED) + b"\1" + values)
-        self.write("a.bin", binary_header(IMU, version=0x0100) + calib +
-                   opening(">", DATA, 0x0100) + pack_rows(IMU, IMU_ROWS))
+        self.write("a.bin", legacy_file())
         found, = self.json_of("a.bin")
         self.assertEqual(found["header"], {"version": "0x0100", "created": "2017-05-23T10:04:31Z",
                                            "frequency_hz": 200.0})
@@ -245,9 +215,10 @@ class Info(ToolTest):
         whole = binary_file(calib=[GAIN, RANGE])
         for rest in range(1, 14):
             self.write("a.bin", whole[:-14 + rest])
-            rate = {"column": "TIME", "rate_hz": 200.0, "first_s": 0.0, "last_s": 0.04}
+            rates = [{"column": "TIME", "rate_hz": 200.0, "first_s": 0.0, "last_s": 0.04},
+                     {"column": "COUNT", "rate_hz": 200.0, "missing_rows": 0}]
             self.assert_told("a.bin", code=3, rows=9, trailing_bytes=rest,
-                             trailing_values=min(rest // 2, 3), measured=[rate])
+                             trailing_values=min(rest // 2, 3), measured=rates)
 
     def test_cut_text_file_at_every_byte(self):
         rows = [(1, 2, 3, 0.5), (4, 5, 6, 1.5), (70, -8, 9, 2.25)]
@@ -255,10 +226,11 @@ class Info(ToolTest):
         row = b"70\t-8\t9\t2.25\t"
         for rest in range(1, len(row)):
             self.write("a.txt", whole[:-1 - len(row) + rest])
-            rate = {"column": "TIME", "rate_hz": 1.0, "first_s": 0.5, "last_s": 1.5}
+            rates = [{"column": "TIME", "rate_hz": 1.0, "first_s": 0.5, "last_s": 1.5},
+                     {"column": "COUNT", "rate_hz": 200.0 / 3, "missing_rows": 2}]
             self.assert_told("a.txt", code=3, encoding="text", byte_order=None, rows=2,
                              trailing_bytes=rest, trailing_values=row[:rest].count(b"\t"),
-                             measured=[rate])
+                             measured=rates)
 
     def test_cut_file_is_told_with_offset(self):
         content = binary_file()
@@ -489,6 +461,83 @@ class Cat(ToolTest):
         self.assert_fails(self.tool("cat", "a.txt", "--encoding", "binary"))
 
 
+    def test_calibrated_rows(self):
+        gain = ("AccGain", "double", [[2.0, 0.5, 0.0], [0.0, 4.0, 0.0], [0.0, 0.0, -1.0]])
+        offset = ("accoffset", "double", [[1.0, 2.0, 3.0]])
+        columns = [("COUNT", "uint16"), ("ACCX", "int16"), ("ACCY", "int16"), ("ACCZ", "int16")]
+        self.write("a.bin", binary_file(columns, [(7, 11, 22, 33)], calib=[gain, offset]))
+        self.assertEqual(self.output_of("cat", "a.bin", "--calibrated"),
+                         "COUNT,ACCX,ACCY,ACCZ\n7,30,80,-30\n")
+        self.assertEqual(self.output_of("cat", "a.bin"), "COUNT,ACCX,ACCY,ACCZ\n7,11,22,33\n")
+
+    def test_without_fitting_records_nothing_is_calibrated(self):
+        self.write("a.bin", binary_file(calib=[GAIN]))
+        self.assert_fails(self.tool("cat", "a.bin", "--calibrated"))
+
+
+class Pipes(ToolTest):
+    """Files that come from elsewhere than a path."""
+
+    def test_dash_is_the_standard_input(self):
+        for name, content in [("a.bin", binary_file()), ("a.txt", text_file())]:
+            self.write(name, content)
+            text = self.output_of("cat", name)
+            self.assertEqual(self.tool("cat", "-", input=content, text=False).stdout.decode(), text)
+            found = self.tool("info", "-", "--json", input=content, text=False).stdout
+            self.assertEqual(json.loads(found)["path"], "standard input")
+            self.assertEqual(json.loads(found)["rows"], 10)
+
+    def test_messages_name_the_standard_input(self):
+        for content in [b"", b"x" * 100, binary_file()[:50], binary_file()[:-1]]:
+            result = self.tool("cat", "-", input=content, text=False)
+            self.assertIn(b"standard input", result.stderr)
+            self.assertNotIn(b"/", result.stderr)
+
+    def test_fifos_are_read(self):
+        content = binary_file()
+        os.mkfifo(self.folder / "pipe")
+        writer = threading.Thread(target=self.write, args=("pipe", content))
+        writer.start()
+        text = self.output_of("cat", "pipe")
+        writer.join()
+        self.write("a.bin", content)
+        self.assertEqual(text, self.output_of("cat", "a.bin"))
+
+    def test_no_copy_is_left(self):
+        environment = {**os.environ, "TMPDIR": str(self.folder)}
+        for content in [binary_file(), b"no sensor file"]:
+            self.tool("cat", "-", input=content, text=False, env=environment)
+            self.assert_files()
+
+    def test_no_copy_is_left_by_ctrl_c(self):
+        for number in [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]:
+            process = subprocess.Popen([PROGRAM, "cat", "-"], cwd=self.folder,
+                                       stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                       env={**os.environ, "TMPDIR": str(self.folder)})
+            process.stdin.write(binary_file())
+            process.stdin.flush()
+            while not list(self.folder.iterdir()):
+                self.assertIsNone(process.poll())
+            process.send_signal(number)
+            self.assertEqual(process.wait(LIMIT), -number)
+            process.stdin.close()
+            process.stdout.close()
+            self.assert_files()
+
+    def test_a_kivra2_calibration_is_taken_as_such(self):
+        self.assertIn("Kivra2", self.tool("info", "-", input=kivra2_calib(), text=False)
+                      .stdout.decode())
+
+    def test_kind_says_what_a_file_is(self):
+        self.write("unit.cal", kivra2_calib() + b"more")
+        self.assert_fails(self.tool("info", "unit.cal"))
+        self.assertIn("Kivra2", self.output_of("info", "unit.cal", "--kind", "kivra2"))
+        self.write("unit.cal", kivra2_calib())
+        self.assert_fails(self.tool("info", "unit.cal", "--kind", "sensor"))
+        self.write("short.cal", kivra2_calib()[:-1])
+        self.assert_fails(self.tool("info", "short.cal", "--kind", "kivra2"))
+
+
 class Hostile(ToolTest):
     """Files that are no sensor files: one line that names them, and nothing else."""
 
@@ -555,4 +604,4 @@ class Hostile(ToolTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
+    main()

@@ -66,6 +66,15 @@ def binary_file(columns=IMU, rows=IMU_ROWS, order=">", calib=(), **options):
             opening(order, DATA, 0x0100) + pack_rows(columns, rows, order))
 
 
+def legacy_file():
+    """The oldest versions: an integer frequency, and the bare values 0 to 11 as calibration."""
+    values = struct.pack(">12d", *range(12))
+    calib = (opening(">", CALIB, 0x0100) + struct.pack(">Q", 32 + len(values)) +
+             date(">", CALIBRATED) + b"\1" + values)
+    return (binary_header(IMU, version=0x0100) + calib + opening(">", DATA, 0x0100) +
+            pack_rows(IMU, IMU_ROWS))
+
+
 def text_opening(label, section, version):
     words = "\t".join(f"{word:08x}" for word in MAGIC)
     return f"{label} id: \t{words}\t{section:04x}{version:04x}\t\n"
