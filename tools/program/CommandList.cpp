@@ -1,5 +1,8 @@
 #include "tools/info/CatCommand.hpp"
 #include "tools/info/InfoCommand.hpp"
+#include "tools/parts/CutCommand.hpp"
+#include "tools/parts/MergeCommand.hpp"
+#include "tools/parts/SplitCommand.hpp"
 #include "tools/program/Command.hpp"
 #include "tools/program/CompletionCommand.hpp"
 #include "tools/program/ManCommand.hpp"
@@ -10,6 +13,9 @@ const std::vector<CommandEntry>& listCommands() {
     static const std::vector<CommandEntry> kCommands{
         {"info", "Tell what is in files", &makeInfoCommand},
         {"cat", "Write the rows of a file as text", &makeCatCommand},
+        {"cut", "Write a part of a recording", &makeCutCommand},
+        {"split", "Divide a recording into parts", &makeSplitCommand},
+        {"merge", "Put parts of a recording together", &makeMergeCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
         {"man", "Write a manual page", &makeManCommand},
     };
