@@ -1,3 +1,4 @@
+#include "tools/calib/CalibCommand.hpp"
 #include "tools/info/CatCommand.hpp"
 #include "tools/info/InfoCommand.hpp"
 #include "tools/parts/CutCommand.hpp"
@@ -16,6 +17,7 @@ const std::vector<CommandEntry>& listCommands() {
         {"cut", "Write a part of a recording", &makeCutCommand},
         {"split", "Divide a recording into parts", &makeSplitCommand},
         {"merge", "Put parts of a recording together", &makeMergeCommand},
+        {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
         {"man", "Write a manual page", &makeManCommand},
     };
