@@ -1,4 +1,5 @@
 #include "tools/calib/CalibCommand.hpp"
+#include "tools/gen/GenCommand.hpp"
 #include "tools/info/CatCommand.hpp"
 #include "tools/info/InfoCommand.hpp"
 #include "tools/parts/CutCommand.hpp"
@@ -18,6 +19,7 @@ const std::vector<CommandEntry>& listCommands() {
         {"split", "Divide a recording into parts", &makeSplitCommand},
         {"merge", "Put parts of a recording together", &makeMergeCommand},
         {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
+        {"gen", "Make up a recording for trying things out", &makeGenCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
         {"man", "Write a manual page", &makeManCommand},
     };
