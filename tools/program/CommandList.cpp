@@ -1,5 +1,6 @@
 #include "tools/calib/CalibCommand.hpp"
 #include "tools/gen/GenCommand.hpp"
+#include "tools/import/ImportCommand.hpp"
 #include "tools/info/CatCommand.hpp"
 #include "tools/info/InfoCommand.hpp"
 #include "tools/parts/CutCommand.hpp"
@@ -15,6 +16,7 @@ const std::vector<CommandEntry>& listCommands() {
     static const std::vector<CommandEntry> kCommands{
         {"info", "Tell what is in files", &makeInfoCommand},
         {"cat", "Write the rows of a file as text", &makeCatCommand},
+        {"import", "Make a recording of a CSV file", &makeImportCommand},
         {"cut", "Write a part of a recording", &makeCutCommand},
         {"split", "Divide a recording into parts", &makeSplitCommand},
         {"merge", "Put parts of a recording together", &makeMergeCommand},
