@@ -1,4 +1,6 @@
 #include "tools/calib/CalibCommand.hpp"
+#include "tools/check/CheckCommand.hpp"
+#include "tools/check/RecoverCommand.hpp"
 #include "tools/gen/GenCommand.hpp"
 #include "tools/import/ImportCommand.hpp"
 #include "tools/info/CatCommand.hpp"
@@ -20,6 +22,8 @@ const std::vector<CommandEntry>& listCommands() {
         {"cut", "Write a part of a recording", &makeCutCommand},
         {"split", "Divide a recording into parts", &makeSplitCommand},
         {"merge", "Put parts of a recording together", &makeMergeCommand},
+        {"check", "Tell every defect of files", &makeCheckCommand},
+        {"recover", "Write the whole rows of a damaged file", &makeRecoverCommand},
         {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
         {"gen", "Make up a recording for trying things out", &makeGenCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
