@@ -1,6 +1,7 @@
 #include "tools/calib/CalibCommand.hpp"
 #include "tools/check/CheckCommand.hpp"
 #include "tools/check/RecoverCommand.hpp"
+#include "tools/diff/DiffCommand.hpp"
 #include "tools/gen/GenCommand.hpp"
 #include "tools/import/ImportCommand.hpp"
 #include "tools/info/CatCommand.hpp"
@@ -24,6 +25,7 @@ const std::vector<CommandEntry>& listCommands() {
         {"merge", "Put parts of a recording together", &makeMergeCommand},
         {"check", "Tell every defect of files", &makeCheckCommand},
         {"recover", "Write the whole rows of a damaged file", &makeRecoverCommand},
+        {"diff", "Compare two files", &makeDiffCommand},
         {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
         {"gen", "Make up a recording for trying things out", &makeGenCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
