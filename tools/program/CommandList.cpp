@@ -12,6 +12,8 @@
 #include "tools/program/Command.hpp"
 #include "tools/program/CompletionCommand.hpp"
 #include "tools/program/ManCommand.hpp"
+#include "tools/statistics/StatsCommand.hpp"
+#include "tools/statistics/TimeCommand.hpp"
 
 namespace SensorFileTool {
 
@@ -26,6 +28,8 @@ const std::vector<CommandEntry>& listCommands() {
         {"check", "Tell every defect of files", &makeCheckCommand},
         {"recover", "Write the whole rows of a damaged file", &makeRecoverCommand},
         {"diff", "Compare two files", &makeDiffCommand},
+        {"time", "Tell how good a recording's time is", &makeTimeCommand},
+        {"stats", "Sum up the columns of a recording", &makeStatsCommand},
         {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
         {"gen", "Make up a recording for trying things out", &makeGenCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
