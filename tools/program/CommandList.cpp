@@ -1,6 +1,7 @@
 #include "tools/calib/CalibCommand.hpp"
 #include "tools/check/CheckCommand.hpp"
 #include "tools/check/RecoverCommand.hpp"
+#include "tools/convert/ConvertCommand.hpp"
 #include "tools/diff/DiffCommand.hpp"
 #include "tools/gen/GenCommand.hpp"
 #include "tools/import/ImportCommand.hpp"
@@ -21,6 +22,7 @@ const std::vector<CommandEntry>& listCommands() {
     static const std::vector<CommandEntry> kCommands{
         {"info", "Tell what is in files", &makeInfoCommand},
         {"cat", "Write the rows of a file as text", &makeCatCommand},
+        {"convert", "Turn a file into another encoding or format", &makeConvertCommand},
         {"import", "Make a recording of a CSV file", &makeImportCommand},
         {"cut", "Write a part of a recording", &makeCutCommand},
         {"split", "Divide a recording into parts", &makeSplitCommand},

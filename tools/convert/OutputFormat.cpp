@@ -1,0 +1,42 @@
+#include "tools/convert/OutputFormat.hpp"
+
+#include <algorithm>
+#include <map>
+
+#include <Poco/Exception.h>
+#include <Poco/Path.h>
+#include <Poco/String.h>
+
+namespace SensorFileTool {
+
+namespace {
+
+const std::map<std::string, OutputFormat> kByName{
+    {"binary", OutputFormat::kBinary},   {"text", OutputFormat::kText},
+    {"csv", OutputFormat::kCsv},         {"tsv", OutputFormat::kTsv},
+    {"jsonl", OutputFormat::kJsonLines}, {"npy", OutputFormat::kNpy},
+    {"h5", OutputFormat::kHdf5},         {"mat", OutputFormat::kMat}};
+
+const std::map<std::string, std::string> kNameByEnding{
+    {"txt", "text"}, {"csv", "csv"}, {"tsv", "tsv"}, {"jsonl", "jsonl"}, {"ndjson", "jsonl"},
+    {"npy", "npy"},  {"h5", "h5"},   {"hdf5", "h5"}, {"mat", "mat"}};
+
+}  // namespace
+
+const std::vector<std::string>& listOutputFormats() {
+    static const std::vector<std::string> kNames{"binary", "text", "csv", "tsv",
+                                                 "jsonl",  "npy",  "h5",  "mat"};
+    return kNames;
+}
+
+OutputFormat chooseOutputFormat(const std::string& name, const std::string& path) {
+    if (!name.empty()) {
+        const auto named = kByName.find(name);
+        if (named == kByName.end()) throw Poco::NotFoundException(name);
+        return named->second;
+    }
+    const auto found = kNameByEnding.find(Poco::toLower(Poco::Path(path).getExtension()));
+    return found == kNameByEnding.end() ? OutputFormat::kBinary : kByName.at(found->second);
+}
+
+}  // namespace SensorFileTool
