@@ -10,6 +10,7 @@
 #include "tools/parts/CutCommand.hpp"
 #include "tools/parts/MergeCommand.hpp"
 #include "tools/parts/SplitCommand.hpp"
+#include "tools/plot/PlotCommand.hpp"
 #include "tools/program/Command.hpp"
 #include "tools/program/CompletionCommand.hpp"
 #include "tools/program/ManCommand.hpp"
@@ -33,6 +34,7 @@ const std::vector<CommandEntry>& listCommands() {
         {"time", "Tell how good a recording's time is", &makeTimeCommand},
         {"stats", "Sum up the columns of a recording", &makeStatsCommand},
         {"calib", "Show, take out, put in and compare calibrations", &makeCalibCommand},
+        {"plot", "Write a page that shows a recording over time", &makePlotCommand},
         {"gen", "Make up a recording for trying things out", &makeGenCommand},
         {"completion", "Write a completion script for a shell", &makeCompletionCommand},
         {"man", "Write a manual page", &makeManCommand},

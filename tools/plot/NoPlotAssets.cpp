@@ -1,0 +1,9 @@
+#include "tools/plot/PlotAssets.hpp"
+
+namespace SensorFileTool {
+
+const PlotAssets* findPlotAssets() {
+    return nullptr;
+}
+
+}  // namespace SensorFileTool
