@@ -188,6 +188,16 @@ class View(Browser):
         self.assertEqual(self.run_script("return sensorfilePlot.getLevel()"), 0)
         self.assert_range(0, 299.99, 0.001)
 
+    def test_labels_of_the_axes_are_not_rounded(self):
+        for first, last in [(0, 5), (100, 102.5), (7, 7.013), (0, 300)]:
+            self.run_script("sensorfilePlot.setRange(arguments[0], arguments[1])", first, last)
+            for splits, labels in self.run_script(
+                    "return sensorfilePlot.panels.flatMap(one => one.axes.map(axis => "
+                    "[axis._splits, axis._values]))"):
+                for split, label in zip(splits, labels):
+                    if label:
+                        self.assertAlmostEqual(float(label), split, 9)
+
     def test_drag_with_shift_moves(self):
         self.run_script("sensorfilePlot.setRange(100, 200)")
         self.drag(self.panel(1), 0.75, 0.5, Keys.SHIFT)

@@ -189,7 +189,10 @@
 
   /** Labels with the decimals that the distance of two of them needs. */
   function tellLabels(chart, splits, axisIndex, space, distance) {
-    const decimals = Math.min(12, Math.max(0, Math.ceil(-Math.log10(distance) - 1e-6)));
+    // A distance of 0.25 needs two, one of 0.2 a single one.
+    let decimals = 0;
+    while (decimals < 12 && Math.abs(distance - Number(distance.toFixed(decimals))) > distance * 1e-6)
+      decimals += 1;
     const isLong = splits.some((split) => Math.abs(split) >= 1e8);
     return splits.map((split) => isLong ? split.toPrecision(4) : split.toFixed(decimals));
   }
