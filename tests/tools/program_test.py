@@ -9,6 +9,7 @@ import json
 import math
 import os
 import pathlib
+import pty
 import random
 import signal
 import struct
@@ -536,6 +537,35 @@ class Pipes(ToolTest):
         self.assert_fails(self.tool("info", "unit.cal", "--kind", "sensor"))
         self.write("short.cal", kivra2_calib()[:-1])
         self.assert_fails(self.tool("info", "short.cal", "--kind", "kivra2"))
+
+
+class Bars(ToolTest):
+    """Progress is told on a terminal, as a share of the whole work."""
+
+    def first_share(self, *arguments):
+        """The first one that is drawn, in per cent; the program is ended then."""
+        mine, terminal = pty.openpty()
+        process = subprocess.Popen([PROGRAM, *arguments], cwd=self.folder, stderr=terminal,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        os.close(terminal)
+        text = b""
+        while b"%" not in text:
+            text += os.read(mine, 1000)
+        process.terminate()  # as Ctrl-C does: no copy is left
+        process.wait(LIMIT)
+        os.close(mine)
+        return int(text.split(b"%")[0].split()[-1])
+
+    def test_long_work_begins_with_small_shares(self):
+        with open(self.folder / "a.bin", "wb") as file:
+            file.write(binary_file(rows=[]))
+            file.truncate(100_000_000_000)
+        for arguments in [["check", "a.bin"], ["stats", "a.bin"], ["time", "a.bin"],
+                          ["diff", "a.bin", "a.bin"], ["plot", "a.bin", "-o", "/dev/null"],
+                          ["convert", "a.bin", "/dev/full", "--to", "csv", "--columns", "COUNT"],
+                          ["gen", "/dev/null", "--rows", "4000000000"]]:
+            with self.subTest(arguments):
+                self.assertLess(self.first_share(*arguments), 50)
 
 
 class Hostile(ToolTest):

@@ -67,6 +67,7 @@ void checkSensorFile(const Console& console, const InputFile& input, const Check
 CheckReport checkFile(const Console& console, const InputFile& input, const CheckOptions& options) {
     CheckReport report(options.maxPerCode);
     report.name = input.getName();
+    report.size = static_cast<std::int64_t>(Poco::File(input.getPath()).getSize());
     if (options.isKivra2Calib) {
         report.kind = "kivra2-calibration";
         report.encoding = "binary";
@@ -75,7 +76,6 @@ CheckReport checkFile(const Console& console, const InputFile& input, const Chec
     } else {
         checkSensorFile(console, input, options, report);
     }
-    report.size = static_cast<std::int64_t>(Poco::File(input.getPath()).getSize());
     report.defects.sort();
     return report;
 }
