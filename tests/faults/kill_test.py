@@ -21,7 +21,7 @@ import time
 QUORIL, SENSORFILE = (str(pathlib.Path(one).resolve()) for one in sys.argv[1:3])
 MOMENTS = int(sys.argv[3])
 SEED = int(sys.argv[4]) if len(sys.argv) > 4 else random.randrange(2**32)
-RATE = 1000  # rows per second
+RATE = 200  # rows per second
 PROMISE = 0.5  # s, of which rows may be lost
 LONGEST = 2.0  # s, from the first row to the kill
 BESIDE = 4
