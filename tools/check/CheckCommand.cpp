@@ -4,12 +4,10 @@
 #include "tools/check/FileCheck.hpp"
 #include "tools/common/ErrorText.hpp"
 #include "tools/common/ExitCode.hpp"
-#include "tools/common/FileKind.hpp"
 #include "tools/common/InputOptions.hpp"
 #include "tools/common/OutputCheck.hpp"
 #include "tools/common/UsageException.hpp"
 
-#include <algorithm>
 #include <ostream>
 
 #include <CLI/App.hpp>
@@ -26,10 +24,7 @@ class CheckCommand : public Command {
                        "Sensor files, or Kivra2 calibration files; - for the standard input")
             ->required();
         input_.define(app);
-        app.add_option("--kind", kind_,
-                       "What the files are; auto: a Kivra2 calibration file is told by its size")
-            ->type_name("sensor|kivra2|auto")
-            ->check(CLI::IsMember({"sensor", "kivra2", "auto"}));
+        input_.defineKind(app);
         app.add_option("--counter", options_.counter,
                        "The column that counts rows; otherwise columns named COUNT, FRAME and the "
                        "like")
@@ -55,7 +50,7 @@ class CheckCommand : public Command {
         int code = kExitDone;
         for (const std::string& path : paths_) {
             try {
-                code = worse(code, checkOne(console, path));
+                code = worseOf(code, checkOne(console, path));
             } catch (const UsageException&) {
                 throw;
             } catch (const Poco::Exception& error) {
@@ -68,21 +63,10 @@ class CheckCommand : public Command {
     }
 
  private:
-    /// Of two results: failures before problems.
-    static int worse(int one, int other) {
-        if (one == kExitFailed || other == kExitFailed) return kExitFailed;
-        return std::max(one, other);
-    }
-
-    [[nodiscard]] bool isKivra2Calib(const InputFile& input) const {
-        if (kind_ != "auto") return kind_ == "kivra2";
-        return !options_.encoding && detectKind(input) == FileKind::kKivra2Calib;
-    }
-
     int checkOne(Console& console, const std::string& path) {
         const InputFile input = openInput(console, path);
         CheckOptions options = options_;
-        options.isKivra2Calib = isKivra2Calib(input);
+        options.isKivra2Calib = input_.isKivra2Calib(input);
         const CheckReport report = checkFile(console, input, options);
         console.output << (isJson_ ? checkReportToJson(report)
                                    : checkReportToText(console, report));
@@ -96,7 +80,6 @@ class CheckCommand : public Command {
     InputOptions input_;
     CheckOptions options_;
     std::vector<std::string> paths_;
-    std::string kind_ = "auto";
     bool isAll_ = false;
     bool isStrict_ = false;
     bool isJson_ = false;

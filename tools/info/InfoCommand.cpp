@@ -9,7 +9,6 @@
 #include "tools/info/InfoText.hpp"
 #include "tools/recording/RecordingInfo.hpp"
 
-#include <algorithm>
 #include <ostream>
 #include <utility>
 
@@ -29,12 +28,6 @@ int tellKivra2Calib(const InputFile& input, bool isJson, std::ostream& output) {
     return kExitDone;
 }
 
-// The worst of two results: failures before problems.
-int worse(int one, int other) {
-    if (one == kExitFailed || other == kExitFailed) return kExitFailed;
-    return std::max(one, other);
-}
-
 class InfoCommand : public Command {
  public:
     void define(CLI::App& app) override {
@@ -50,7 +43,7 @@ class InfoCommand : public Command {
         int code = kExitDone;
         for (const std::string& path : paths_) {
             try {
-                code = worse(code, tellFile(openInput(console, path), console.output));
+                code = worseOf(code, tellFile(openInput(console, path), console.output));
             } catch (const Poco::Exception& error) {
                 tellError(console, describeError(error));
                 code = kExitFailed;
