@@ -18,3 +18,11 @@ function(quoril_add_test name)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()
+
+# quoril_add_soak_test(NAME name TIMEOUT seconds COMMAND ...)
+# The long form of a test: it runs by itself, and only when `./check --soak` asks for it.
+function(quoril_add_soak_test)
+  cmake_parse_arguments(ARG "" "NAME;TIMEOUT" "COMMAND" ${ARGN})
+  add_test(NAME soak.${ARG_NAME} CONFIGURATIONS Soak COMMAND ${ARG_COMMAND})
+  set_tests_properties(soak.${ARG_NAME} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS soak RUN_SERIAL TRUE)
+endfunction()

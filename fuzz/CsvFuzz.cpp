@@ -4,15 +4,13 @@
 /// Beyond "no crash": every loop ends, each row without a defect has a cell for each column, what
 /// counts as a number is read as one, and the same file gives the same rows again.
 
+#include "fuzz/Harness.hpp"
 #include "tools/import/ColumnGuess.hpp"
 #include "tools/import/CsvTable.hpp"
 #include "tools/import/StampSteps.hpp"
 
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -24,19 +22,6 @@ using SensorFileTool::CsvDialect;
 using SensorFileTool::CsvNumber;
 using SensorFileTool::CsvOptions;
 using SensorFileTool::CsvTable;
-
-std::string scratchPath() {
-    static const std::string folder = [] {
-        std::string made = (std::filesystem::temp_directory_path() / "csvfuzz.XXXXXX").string();
-        if (mkdtemp(made.data()) == nullptr) std::abort();
-        return made;
-    }();
-    return folder + "/input.csv";
-}
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 CsvOptions optionsOf(std::uint8_t choice) {
     constexpr char kSeparators[] = {',', ';', '\t', SensorFileTool::kCsvBlanks};
@@ -54,9 +39,11 @@ void lookAtCell(std::string_view cell, const CsvOptions& options) {
     const bool isRead = readDouble(cell, options.style, value);
     const bool isText =
         number.kind == CsvNumber::Kind::kText || number.kind == CsvNumber::Kind::kBlank;
-    if (isText) require(!isRead && !readFloat(cell, options.style, single));
+    if (isText)
+        Fuzz::require(!isRead && !readFloat(cell, options.style, single), "text read as a number");
     if (number.kind == CsvNumber::Kind::kInteger)
-        require(isRead && std::abs(value) == static_cast<double>(number.magnitude));
+        Fuzz::require(isRead && std::abs(value) == static_cast<double>(number.magnitude),
+                      "an integer is read as another number");
 }
 
 /// A text of all that was found.
@@ -72,7 +59,7 @@ std::string readAll(const std::string& path, const CsvDialect& dialect, const Cs
             found += table.describe(*table.defect());
             continue;
         }
-        require(table.cells().size() == table.columns().size());
+        Fuzz::require(table.cells().size() == table.columns().size(), "a row of another length");
         for (std::size_t i = 0; i < guesses.size(); ++i) {
             lookAtCell(table.cells()[i], options);
             guesses[i].add(table.cells()[i], options.style, table.reader().line());
@@ -89,13 +76,13 @@ std::string readAll(const std::string& path, const CsvDialect& dialect, const Cs
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
-    const std::string path = scratchPath();
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data + 1), static_cast<std::streamsize>(size - 1));
+    const std::string path = Fuzz::scratchPath("input.csv");
+    Fuzz::writeFile(path, Fuzz::toText(data + 1, size - 1));
     try {
         const CsvOptions options = optionsOf(data[0]);
         const CsvDialect dialect = detectDialect(path, "input", options);
-        require(readAll(path, dialect, options) == readAll(path, dialect, options));
+        Fuzz::require(readAll(path, dialect, options) == readAll(path, dialect, options),
+                      "read twice, it differs");
     } catch (const Poco::Exception&) {
         // A refused file is an answer.
     }

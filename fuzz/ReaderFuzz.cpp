@@ -4,14 +4,11 @@
 /// Beyond "no crash": the row form gives what the value form gives, every loop ends, and a file
 /// that was read can be written and read again.
 
+#include "fuzz/Harness.hpp"
 #include "sensorfile/SensorFileReader.hpp"
 #include "sensorfile/SensorFileWriter.hpp"
 
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -23,23 +20,6 @@ using SensorFile::SensorFileConfig;
 using SensorFile::SensorFileReader;
 using SensorFile::SensorFileWriter;
 
-std::string scratchPath(const char* name) {
-    static const std::string folder = [] {
-        std::string made = (std::filesystem::temp_directory_path() / "readerfuzz.XXXXXX").string();
-        if (mkdtemp(made.data()) == nullptr) std::abort();
-        return made;
-    }();
-    return folder + "/" + name;
-}
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
-
-bool sameBits(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
-}
-
 std::vector<std::vector<double>> readByRows(const std::string& path, bool binary) {
     SensorFileReader reader;
     reader.open(path, binary);
@@ -49,7 +29,7 @@ std::vector<std::vector<double>> readByRows(const std::string& path, bool binary
     std::vector<double> row(columns);
     while (reader.readRow(row))
         rows.push_back(row);
-    require(reader.isEof());
+    Fuzz::require(reader.isEof(), "reading ended before the end");
     return rows;
 }
 
@@ -60,21 +40,21 @@ void compareWithValues(const std::string& path, bool binary,
     for (const std::vector<double>& row : rows) {
         for (const double expected : row) {
             double value = 0.0;
-            require(reader.read(&value, 1));
-            require(sameBits(value, expected));
+            Fuzz::require(reader.read(&value, 1), "a value less than by rows");
+            Fuzz::require(Fuzz::isSame(value, expected), "another value than by rows");
         }
     }
 }
 
 void writeAndReadAgain(const SensorFileConfig& config,
                        const std::vector<std::vector<double>>& rows) {
-    const std::string path = scratchPath("copy");
+    const std::string path = Fuzz::scratchPath("copy");
     SensorFileWriter writer;
     writer.open(path, config, true, true);
     for (const std::vector<double>& row : rows)
         writer.writeRow(row);
     writer.close();
-    require(readByRows(path, true).size() == rows.size());
+    Fuzz::require(readByRows(path, true).size() == rows.size(), "rows are lost by writing");
 }
 
 }  // namespace
@@ -82,9 +62,8 @@ void writeAndReadAgain(const SensorFileConfig& config,
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
     const bool binary = (data[0] & 1) != 0;
-    const std::string path = scratchPath("input");
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data + 1), static_cast<std::streamsize>(size - 1));
+    const std::string path = Fuzz::scratchPath("input");
+    Fuzz::writeFile(path, Fuzz::toText(data + 1, size - 1));
     try {
         const std::vector<std::vector<double>> rows = readByRows(path, binary);
         compareWithValues(path, binary, rows);

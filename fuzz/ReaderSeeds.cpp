@@ -1,6 +1,7 @@
-/// Writes small sensor files of every kind into a folder, each behind the byte by which the harness
-/// chooses its encoding.
+/// Small sensor files of every kind, each behind the byte by which the harness chooses its
+/// encoding.
 
+#include "fuzz/Seeds.hpp"
 #include "sensorfile/SensorFileWriter.hpp"
 
 #include <cstdint>
@@ -50,10 +51,7 @@ void writeSeed(const std::filesystem::path& folder, const std::string& name,
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 2) return 2;
-    const std::filesystem::path folder = argv[1];
-    std::filesystem::create_directories(folder);
+void Fuzz::writeSeeds(const std::filesystem::path& folder) {
     for (const bool binary : {false, true}) {
         for (const int headerVersion : {0x0100, 0x0101}) {
             for (const int calibVersion : {0x0100, 0x0101, 0x0200, 0x8101}) {
@@ -68,5 +66,4 @@ int main(int argc, char** argv) {
             }
         }
     }
-    return 0;
 }

@@ -1,7 +1,7 @@
-/// Writes small CSV files of every kind into a folder, each behind the byte by which the harness
-/// chooses how to read it.
+/// Small CSV files of every kind, each behind the byte by which the harness chooses how to read it.
 
-#include <filesystem>
+#include "fuzz/Seeds.hpp"
+
 #include <fstream>
 #include <string>
 #include <vector>
@@ -22,10 +22,7 @@ const std::vector<std::string> kTables = {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 2) return 2;
-    const std::filesystem::path folder = argv[1];
-    std::filesystem::create_directories(folder);
+void Fuzz::writeSeeds(const std::filesystem::path& folder) {
     // Found out, commas, semicolons without header, blanks with one, decimal commas.
     for (const int choice : {0, 4, 13, 31, 37, 32}) {
         for (std::size_t i = 0; i < kTables.size(); ++i) {
@@ -34,5 +31,4 @@ int main(int argc, char** argv) {
                 << static_cast<char>(choice) << kTables[i];
         }
     }
-    return 0;
 }
