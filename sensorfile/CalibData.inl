@@ -29,7 +29,8 @@ std::string CalibData<Matrix>::typeName() const {
 template <typename Matrix>
 std::uint64_t CalibData<Matrix>::size() const {
     const std::uint64_t elementWidth = columnTypeSize(typeCode());
-    return getName().size() + 3 + std::uint64_t{rows()} * cols() * elementWidth;
+    const std::uint64_t elementCount = std::uint64_t{rows()} * cols();
+    return getName().size() + 3 + elementCount * elementWidth;
 }
 
 template <typename Matrix>

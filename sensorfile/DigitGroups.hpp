@@ -45,12 +45,14 @@ class Triple {
     std::uint32_t bits_ = 0;
 };
 
-inline constexpr auto kTriples = [] {
+constexpr std::array<Triple, 1000> makeTriples() {
     std::array<Triple, 1000> triples{};
     for (std::uint32_t number = 0; number < triples.size(); ++number)
         triples[number] = Triple(number);
     return triples;
-}();
+}
+
+inline constexpr auto kTriples = makeTriples();
 
 /// Puts four characters, the first in the low byte.
 inline void putCharacters(char* out, std::uint32_t characters) noexcept {

@@ -117,7 +117,7 @@ constexpr double kRounder = 0x1.8p52;
 
 /// A magnitude that nine decimals tell exactly; false if it is not one.
 bool splitExactly(double magnitude, Scaled& scaled) noexcept {
-    constexpr auto kUnit = std::uint64_t{kPowersOfTen[kMaxScaledPrecision]};
+    constexpr auto kUnit = std::uint64_t{kPowersOfTen.back()};
     // Wider intermediate results (x87) would be rounded twice.
     if (FLT_EVAL_METHOD != 0 || !(magnitude >= kLeastFixed && magnitude < kFixedLimit))
         return false;

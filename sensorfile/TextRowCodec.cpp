@@ -145,8 +145,9 @@ TextRowCodec::TextRowCodec(const SensorFileConfig& config)
 }
 
 TextRowCodec::Range TextRowCodec::rangeOf(int typeCode) {
-    const auto limitsOf = []<typename T>(T) {
-        return Range{std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max()};
+    const auto limitsOf = [](auto zero) {
+        using Limits = std::numeric_limits<decltype(zero)>;
+        return Range{Limits::lowest(), Limits::max()};
     };
     switch (typeCode) {
         case kUInt8:
