@@ -10,7 +10,6 @@
 #include "framework/ThreadSafeBufferStrategy.hpp"
 
 #include <memory>
-#include <type_traits>
 
 #include <Poco/Exception.h>
 
@@ -20,6 +19,22 @@ namespace Quoril::Core {
 /// mutex alone.
 enum class BufferFamily { kSimple, kSynchronized, kThreadSafe };
 
+/// A strategy over one kind of buffer.
+template <class Sample, class Buffer>
+std::unique_ptr<AbstractBufferStrategy<Sample>> protectBuffer(BufferFamily family, unsigned size,
+                                                              Synchronizer* synchronizer) {
+    switch (family) {
+        case BufferFamily::kSimple:
+            return std::make_unique<SimpleBufferStrategy<Sample, Buffer>>(size);
+        case BufferFamily::kSynchronized:
+            return std::make_unique<SynchronizedBufferStrategy<Sample, Buffer>>(size,
+                                                                                *synchronizer);
+        case BufferFamily::kThreadSafe:
+            break;
+    }
+    return std::make_unique<ThreadSafeBufferStrategy<Sample, Buffer>>(size);
+}
+
 /// Makes one of the nine strategies.
 /// @param synchronizer  the reading pin's, needed by the synchronized family
 /// @throws Poco::InvalidArgumentException if the size is 0
@@ -28,26 +43,14 @@ std::unique_ptr<AbstractBufferStrategy<Sample>> makeBufferStrategy(BufferFamily 
                                                                    const BufferSettings& settings,
                                                                    Synchronizer* synchronizer) {
     if (settings.size == 0) throw Poco::InvalidArgumentException("A buffer cannot have size 0");
-    const auto make =
-        [&]<class Buffer>(
-            std::type_identity<Buffer>) -> std::unique_ptr<AbstractBufferStrategy<Sample>> {
-        switch (family) {
-            case BufferFamily::kSimple:
-                return std::make_unique<SimpleBufferStrategy<Sample, Buffer>>(settings.size);
-            case BufferFamily::kSynchronized:
-                return std::make_unique<SynchronizedBufferStrategy<Sample, Buffer>>(settings.size,
-                                                                                    *synchronizer);
-            case BufferFamily::kThreadSafe:
-                break;
-        }
-        return std::make_unique<ThreadSafeBufferStrategy<Sample, Buffer>>(settings.size);
-    };
     if (settings.size > 1) {
-        if (settings.isLifo) return make(std::type_identity<LifoBuffer<Sample>>());
-        return make(std::type_identity<FifoBuffer<Sample>>());
+        if (settings.isLifo)
+            return protectBuffer<Sample, LifoBuffer<Sample>>(family, settings.size, synchronizer);
+        return protectBuffer<Sample, FifoBuffer<Sample>>(family, settings.size, synchronizer);
     }
     if (family != BufferFamily::kSimple)
-        return make(std::type_identity<SingleValueBuffer<Sample>>());
+        return protectBuffer<Sample, SingleValueBuffer<Sample>>(family, settings.size,
+                                                                synchronizer);
     using Pointer = SimpleBufferStrategy<Sample, SingleValuePtrBuffer<Sample>>;
     return std::make_unique<Pointer>(1U);
 }

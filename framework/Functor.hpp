@@ -49,8 +49,8 @@ class MemFunHandler<NullType, Owner> final : public FunctorImpl<void, NullType> 
     void call() override { (owner_->*function_)(); }
 
  private:
-    Owner* owner_;
-    Function function_;
+    Owner* owner_ = nullptr;
+    Function function_ = nullptr;
 };
 
 template <class Arg, class Owner>
@@ -64,8 +64,8 @@ class MemFunHandler<Seq<Arg>, Owner> final : public FunctorImpl<void, Seq<Arg>> 
     void call(Arg arg) override { (owner_->*function_)(arg); }
 
  private:
-    Owner* owner_;
-    Function function_;
+    Owner* owner_ = nullptr;
+    Function function_ = nullptr;
 };
 
 /// A slot for one callback. Replacing the callback while it runs is safe: the running one lives
