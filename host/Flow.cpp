@@ -145,6 +145,7 @@ Flow::Flow(Clock& clock) : impl_(std::make_unique<Impl>(clock)) {
     FlowRegistry::instance().add(*impl_);
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape): nothing can go on beside filters half destroyed
 Flow::~Flow() {
     stop();
     FlowRegistry::instance().remove(*impl_);

@@ -39,8 +39,9 @@ class QUORIL_CORE_API Flow {
     Flow();
     /// @param clock  paces the flow and must outlive it
     explicit Flow(Clock& clock);
-    /// Stops the flow and destroys its filters, then its layouts.
-    ~Flow();
+    /// Stops the flow and destroys its filters, then its layouts. Not from within an edit or a
+    /// processing call: the process ends, for the threads could not be awaited.
+    ~Flow();  // NOLINT(bugprone-exception-escape): see above
     Flow(const Flow&) = delete;
     Flow& operator=(const Flow&) = delete;
 

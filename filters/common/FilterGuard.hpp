@@ -34,7 +34,8 @@ class FilterGuard {
     class Busy {
      public:
         explicit Busy(FilterGuard& guard);
-        ~Busy();
+        /// Within a processing call it ends the process, where the constructor would throw.
+        ~Busy();  // NOLINT(bugprone-exception-escape): see above
         Busy(const Busy&) = delete;
         Busy& operator=(const Busy&) = delete;
 

@@ -14,7 +14,9 @@ template <class T>
 [[nodiscard]] std::optional<T> parseNumber(std::string_view text) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     T value{};
+    // cppcheck-suppress invalidLifetime ; the text lives as long as the call
     const char* end = text.data() + text.size();
+    // cppcheck-suppress invalidLifetime ; as above
     const auto result = std::from_chars(text.data(), end, value);
     if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
     if constexpr (std::is_floating_point_v<T>)

@@ -71,6 +71,7 @@ std::string findWriteError(const std::string& path) {
     const bool isNew = file < 0 && errno == ENOENT;
     if (isNew) {
         constexpr mode_t kOwnerOnly = 0600;
+        // cppcheck-suppress resourceLeak ; nothing is open yet
         file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
     }
     if (file < 0) return describeError(errno);

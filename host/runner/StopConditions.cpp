@@ -25,7 +25,7 @@ class StopConditions::ValuesCondition final : public Core::PropertyObserver {
             property->addObserver(*this);
         }
         for (const Watched& watched : watched_)
-            valueChanged(*watched.property);
+            ValuesCondition::valueChanged(*watched.property);
     }
 
     ~ValuesCondition() override {

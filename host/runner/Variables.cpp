@@ -38,6 +38,7 @@ std::string expandOne(const std::string& inner, const VariableLookup& lookUp) {
 }  // namespace
 
 std::optional<std::string> lookUpEnvironment(const std::string& name) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment
     const char* value = std::getenv(name.c_str());
     if (value == nullptr) return std::nullopt;
     return value;
