@@ -99,6 +99,7 @@ BENCHMARK(simulatorToFile)
 /// The same with ten million rows, to see that memory does not grow with a recording's length.
 /// Only with QUORIL_BENCH_FULL set.
 void longRecording(benchmark::State& state) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment
     if (std::getenv("QUORIL_BENCH_FULL") == nullptr) {
         for (auto _ : state) {
         }

@@ -197,6 +197,7 @@ BENCHMARK(idleFlow)->Name("host/idle_flow")->Arg(0)->Arg(1)->UseManualTime()->It
 
 /// How far from its nominal time a run at 819 Hz ends.
 void pacing(benchmark::State& state) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment
     const double seconds = std::getenv("QUORIL_BENCH_FULL") != nullptr ? 60.0 : 2.0;
     double error = 0.0;
     for (auto _ : state) {

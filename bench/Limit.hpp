@@ -12,7 +12,7 @@
 namespace Bench {
 
 /// Whole pages, and large enough that a system call's own time does not count.
-inline constexpr std::size_t kBlockBytes = 256 * 1024;
+inline constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 
 /// Collects bytes and hands them to the system in whole blocks.
 class BlockWriter {

@@ -220,7 +220,7 @@ void textWrite(benchmark::State& state, Write write) {
 }
 
 std::string written(const std::string& name, Write write) {
-    const std::string path = ScratchFolder::instance().file(name);
+    std::string path = ScratchFolder::instance().file(name);
     write(path);
     return path;
 }
