@@ -1,8 +1,9 @@
 #include "fuzz/Harness.hpp"
 
+#include <bit>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -38,12 +39,12 @@ class ScratchFolder {
 }  // namespace
 
 void fail(std::string_view text) {
-    std::fprintf(stderr, "found: %.*s\n", static_cast<int>(text.size()), text.data());
+    (void)std::fprintf(stderr, "found: %.*s\n", static_cast<int>(text.size()), text.data());
     std::abort();
 }
 
 bool isSame(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (a != a && b != b);
 }
 
 std::string scratchPath(const std::string& name) {
