@@ -9,8 +9,10 @@ namespace {
 
 /// See no-color.org: any text in the variable but an empty one.
 bool isColorWanted() {
+    // NOLINTBEGIN(concurrency-mt-unsafe): no other thread is there to change the environment
     const char* const noColor = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
+    // NOLINTEND(concurrency-mt-unsafe)
     return (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
            std::string_view(terminal) != "dumb";
 }

@@ -77,9 +77,9 @@ class LimitRule : public TypedColumnRule<LimitRule<T>, T> {
 
     /// The smallest signed number follows the largest one, as bits.
     static bool isAtLimit(T value) {
-        const auto largest = static_cast<Bits>(std::numeric_limits<T>::max());
-        return static_cast<Bits>(static_cast<Bits>(value) - largest) <=
-               (std::is_signed_v<T> ? 1 : 0);
+        constexpr Bits kLargest = std::numeric_limits<T>::max();
+        constexpr Bits kLimits = std::is_signed_v<T> ? 2 : 1;
+        return static_cast<Bits>(static_cast<Bits>(value) - kLargest) < kLimits;
     }
 
     void count(T value, const Place& place) {

@@ -29,8 +29,8 @@ std::array<TemporaryFile, kMaxFiles> temporaryFiles;
 extern "C" void onInterrupt(int signal) {
     for (const TemporaryFile& file : temporaryFiles)
         if (file.isUsed) ::unlink(file.path.data());
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
+    static_cast<void>(std::signal(signal, SIG_DFL));
+    static_cast<void>(std::raise(signal));
 }
 
 void handleInterrupts() {
@@ -58,8 +58,8 @@ bool isErrorTerminal() {
 }
 
 void prepareStandardStreams() {
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
 std::error_code createFile(const std::string& path, bool isPrivate) {

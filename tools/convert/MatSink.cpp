@@ -16,8 +16,12 @@ using SensorFile::SensorFileConfig;
 namespace {
 
 constexpr std::size_t kMaxName = 63;
-const std::vector<std::string> kOtherNames{"frequency", "created", "columns", "calibration",
-                                           "calibration_created"};
+
+const std::vector<std::string>& otherNames() {
+    static const std::vector<std::string> kOtherNames{"frequency", "created", "columns",
+                                                      "calibration", "calibration_created"};
+    return kOtherNames;
+}
 
 std::vector<std::string> matlabNames(std::vector<std::string> names,
                                      const std::vector<std::string>& taken) {
@@ -60,14 +64,14 @@ MatSink::MatSink(const std::string& path, const SensorFileConfig& config, std::u
     if (!config.isCalibOnly()) {
         file_.append(Mat::number("frequency", config.getSampleFrequency()));
         file_.append(timeVariable("created", config.getCreationTime()));
-        file_.append(columnsVariable(config, matlabNames(columnNames(config), kOtherNames)));
+        file_.append(columnsVariable(config, matlabNames(columnNames(config), otherNames())));
     }
     if (config.getCalibCount() > 0) file_.append(calibrationVariables(config));
     placeColumns(config, rowCount);
 }
 
 void MatSink::placeColumns(const SensorFileConfig& config, std::uint64_t rowCount) {
-    const std::vector<std::string> names = matlabNames(columnNames(config), kOtherNames);
+    const std::vector<std::string> names = matlabNames(columnNames(config), otherNames());
     std::uint64_t offset = file_.getSize();
     for (std::size_t i = 0; i < names.size(); ++i) {
         const Mat::ColumnFrame frame =

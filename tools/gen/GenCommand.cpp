@@ -31,8 +31,11 @@ constexpr double kMaxFrequency = 1e9;  // Hz
 constexpr double kMaxJitter = 1.0;     // s
 constexpr double kMaxSeconds = 5e9;    // nanoseconds of a hundred years and more fit 64 bits
 
-const std::map<std::string, Layout> kLayouts{
-    {"imu", Layout::kImu}, {"counts", Layout::kCounts}, {"kivra2", Layout::kKivra2}};
+const std::map<std::string, Layout>& layoutsByName() {
+    static const std::map<std::string, Layout> kLayouts{
+        {"imu", Layout::kImu}, {"counts", Layout::kCounts}, {"kivra2", Layout::kKivra2}};
+    return kLayouts;
+}
 
 /// How long a recording is to be.
 struct Length {
@@ -92,7 +95,7 @@ class GenCommand : public Command {
  private:
     [[nodiscard]] SyntheticOptions getOptions() const {
         SyntheticOptions options;
-        options.layout = kLayouts.at(layout_);
+        options.layout = layoutsByName().at(layout_);
         options.frequency = frequency_;
         options.lostShare = parseShare("--lose", lost_);
         options.jitter = jitter_;

@@ -35,14 +35,17 @@ using SensorFile::SensorFileConfig;
 constexpr std::size_t kMaxName = 32;
 constexpr int kMaxPrecision = 20;
 
-const std::map<std::string, char> kSeparators{
-    {"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}, {"blanks", kCsvBlanks}};
+const std::map<std::string, char>& separatorsByName() {
+    static const std::map<std::string, char> kSeparators{
+        {"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}, {"blanks", kCsvBlanks}};
+    return kSeparators;
+}
 
 char parseSeparator(const std::string& text, bool hasDecimalComma) {
-    const auto found = kSeparators.find(text);
+    const auto found = separatorsByName().find(text);
     const bool isCharacter = text.size() == 1;
     char separator = '\0';
-    if (found != kSeparators.end())
+    if (found != separatorsByName().end())
         separator = found->second;
     else if (isCharacter)
         separator = text[0];

@@ -25,8 +25,11 @@ namespace {
 // Rows are handed on in pieces of this size.
 constexpr std::size_t kPieceSize = std::size_t{256} * 1024;
 
-const std::map<std::string, RowFormat> kRowFormats{
-    {"csv", RowFormat::kCsv}, {"tsv", RowFormat::kTsv}, {"json", RowFormat::kJsonLines}};
+const std::map<std::string, RowFormat>& rowFormatsByName() {
+    static const std::map<std::string, RowFormat> kRowFormats{
+        {"csv", RowFormat::kCsv}, {"tsv", RowFormat::kTsv}, {"json", RowFormat::kJsonLines}};
+    return kRowFormats;
+}
 
 void hand(std::string& text, std::ostream& output) {
     output.write(text.data(), static_cast<std::streamsize>(text.size()));
@@ -76,7 +79,7 @@ class CatCommand : public Command {
                    const RowRange& range, std::ostream& output) {
         const SensorFile::SensorFileConfig& config =
             calibration ? calibration->getConfig() : recording.getConfig();
-        RowText format(kRowFormats.at(format_), config, chooseColumns(config, columns_));
+        RowText format(rowFormatsByName().at(format_), config, chooseColumns(config, columns_));
         std::string text;
         if (!hasNoHeader_) format.appendHeader(text);
         RowReader rows(recording);
