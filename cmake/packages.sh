@@ -8,6 +8,6 @@ packages_test+=(python3-numpy python3-pandas python3-h5py python3-scipy zsh fish
 packages_test+=(chromium chromium-driver python3-selenium)
 command -v npm >/dev/null || packages_test+=(npm)
 packages_bench=(libbenchmark-dev python3 python3-pandas)
-packages_lint=(clang-format-14 clang-tidy-14)
+packages_lint=(clang-format-14 clang-tidy-14 libclang-14-dev llvm-14-dev cppcheck libbenchmark-dev)
 packages_coverage=(gcovr)
 packages_fuzz=(clang-14 libclang-rt-14-dev)
