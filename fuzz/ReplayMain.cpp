@@ -1,7 +1,9 @@
 /// Runs a harness over files, and over all files of folders, named on the command line; a folder
-/// that is not there holds none. Fails if an input takes longer than the fuzzer allows.
+/// that is not there holds none. Fails if an input takes longer than the fuzzer allows, or more
+/// memory where no sanitizer takes some as well.
 
 #include "fuzz/Harness.hpp"
+#include "fuzz/Platform.hpp"
 
 #include <chrono>
 #include <cstdio>
@@ -10,14 +12,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-constexpr std::chrono::seconds kLimit(2);
+constexpr std::chrono::seconds kTimeLimit(2);
+/// In bytes; 0 for none.
+constexpr std::size_t kMemoryLimit = std::size_t{QUORIL_MEMORY_LIMIT_MB} * 1024 * 1024;
 
 void runFile(const std::filesystem::path& path) {
     const std::string bytes = Fuzz::readFile(path.string());
     const auto started = std::chrono::steady_clock::now();
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    Fuzz::require(std::chrono::steady_clock::now() - started < kLimit,
+    Fuzz::require(std::chrono::steady_clock::now() - started < kTimeLimit,
                   "too slow: " + path.string());
+    Fuzz::require(kMemoryLimit == 0 || Fuzz::Platform::peakMemory() <= kMemoryLimit,
+                  "too much memory: " + path.string());
 }
 
 int runAll(const std::filesystem::path& path) {

@@ -4,9 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <streambuf>
 #include <string>
-#include <vector>
 
 namespace SensorFile {
 
@@ -46,7 +46,9 @@ class InputBlock : public std::streambuf {
 
     std::string path_;
     BlockInputStream file_;
-    std::vector<char> storage_;
+    std::unique_ptr<char[]> storage_;  ///< room before the block, then the block
+    std::size_t blockSize_ = 0;
+    std::size_t roomBeforeBlock_ = 0;
     std::int64_t blockEnd_ = 0;  ///< offset of egptr() from the start of the file
 };
 

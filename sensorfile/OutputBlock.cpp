@@ -1,5 +1,7 @@
 #include "sensorfile/OutputBlock.hpp"
 
+#include "sensorfile/BlockSize.hpp"
+
 #include <algorithm>
 #include <cstring>
 
@@ -9,18 +11,18 @@
 namespace SensorFile {
 namespace {
 
-/// The file is written in blocks that start and end on multiples of this: the system then keeps
-/// them in large pieces and touches none of them twice. Rows wait behind a full block until it
-/// goes.
-constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
-constexpr std::size_t kRoomBehindBlock = std::size_t{16} * 1024;
+/// The file is written in blocks that start and end on multiples of their size: the system then
+/// keeps them in large pieces and touches none of them twice. Rows wait behind a full block until
+/// it goes.
+constexpr std::size_t kMaxRoomBehindBlock = std::size_t{16} * 1024;
 
 }  // namespace
 
 void OutputBlock::open(const std::string& path) {
     file_.open(path, std::ios::out | std::ios::trunc);
     path_ = path;
-    storage_.resize(kBlockSize + kRoomBehindBlock);
+    blockSize_ = BlockSize::current();
+    storage_.resize(blockSize_ + std::min(blockSize_, kMaxRoomBehindBlock));
     setp(storage_.data(), storage_.data() + storage_.size());
     fileSize_ = 0;
     rowEnd_ = 0;
@@ -76,7 +78,7 @@ void OutputBlock::makeRoom(std::size_t size) {
 
 /// Bytes of whole rows that end on a block of the file; all of them when there is no such block.
 std::size_t OutputBlock::alignedRows() const {
-    const auto beyondBlock = static_cast<std::size_t>((fileSize_ + rowEnd_) % kBlockSize);
+    const auto beyondBlock = static_cast<std::size_t>((fileSize_ + rowEnd_) % blockSize_);
     return rowEnd_ > beyondBlock ? rowEnd_ - beyondBlock : rowEnd_;
 }
 

@@ -63,6 +63,7 @@ class OutputBlock : public std::streambuf {
     std::string path_;
     BlockOutputStream file_;
     std::vector<char> storage_;
+    std::size_t blockSize_ = 0;
     std::uint64_t fileSize_ = 0;   ///< bytes that the file has taken
     std::size_t rowEnd_ = 0;       ///< from the buffer's start
     std::uint64_t rowsStart_ = 0;  ///< from the file's start
