@@ -6,6 +6,7 @@
 #include "sensorfile/NumberText.hpp"
 #include "sensorfile/SensorFileConfig.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <string_view>
@@ -24,6 +25,9 @@ using Traits = std::istream::traits_type;
 constexpr std::size_t kMaxWord = std::size_t{64} * 1024;
 /// Rows times columns of a matrix stay below this.
 constexpr std::int64_t kMaxElements = std::numeric_limits<std::int32_t>::max();
+/// Sides of a matrix without values, which nothing in the file bears out; writing each of its rows
+/// as an empty line would take as many bytes. Binary sections have no longer sides either.
+constexpr std::int64_t kMaxEmptySide = 255;
 
 constexpr const char* kCalibValue = "a calibration value";
 
@@ -231,7 +235,8 @@ void TextSectionReader::readRecord() {
 
 template <typename T>
 void TextSectionReader::readMatrix(const std::string& name, std::int64_t rows, std::int64_t cols) {
-    if (rows != 0 && cols > kMaxElements / rows) {
+    const bool isEmpty = rows == 0 || cols == 0;
+    if (isEmpty ? std::max(rows, cols) > kMaxEmptySide : cols > kMaxElements / rows) {
         throw FormatException("a matrix has an impossible size");
     }
     std::vector<T> values;
