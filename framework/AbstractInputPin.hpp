@@ -47,6 +47,9 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     /// @throws std::bad_alloc; the pin keeps its buffer then, with what waits in it
     void setBuffer(const BufferSettings& settings);
     [[nodiscard]] const BufferSettings& getBuffer() const noexcept { return settings_; }
+    /// False while the buffer is the one that every new pin has: hosts may then choose another one,
+    /// where a size that the filter set, be it 1, has its reason.
+    [[nodiscard]] bool isBufferChosen() const noexcept { return isBufferChosen_; }
 
     /// The connected output pin, or null.
     [[nodiscard]] AbstractOutputPin* getOutputPin() const noexcept { return outputPin_; }
@@ -86,6 +89,7 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     BufferSettings settings_;
     bool isDirect_ = true;
     bool isBlocking_ = false;
+    bool isBufferChosen_ = false;
     AbstractOutputPin* outputPin_ = nullptr;
     std::atomic<std::uint64_t> pushed_{0};
     std::atomic<std::uint64_t> taken_{0};

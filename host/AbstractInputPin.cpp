@@ -55,6 +55,7 @@ void AbstractInputPin::setBuffer(const BufferSettings& settings) {
     const Synchronizer::DisablerLocker both(
         outputPin_ == nullptr ? nullptr : outputPin_->getSynchronizer(), getSynchronizer());
     rebuildWith(settings_, settings);
+    isBufferChosen_ = true;
     Topology::markChanged();
 }
 

@@ -30,6 +30,9 @@ FilterKivra2CalibWriter::FilterKivra2CalibWriter(const std::string& name)
       gyrOffset_(Kivra2Pins::kGyrOffset, this),
       saveFile_(kSaveFile, getPropertyBag()),
       version_(kVersion, getPropertyBag(), 0) {
+    for (MatrixInputPin* pin :
+         {&accGain_, &accOffset_, &magGain_, &magOffset_, &gyrGain_, &gyrOffset_})
+        pin->setBuffer({.size = Kivra2Pins::kCalibBuffer});
     saveFile_.setFilter("*");
     saveFile_.setHints(/*mustExist=*/false, /*isFolder=*/false, /*isWritten=*/true);
     getPropertyBag()->registerProperty(kSaveFile, saveFile_);

@@ -48,6 +48,8 @@ FilterRecordKivra2Format::SensorInputs::SensorInputs(Quoril::Core::Filter& filte
                                                      const char* offsetName)
     : sample(sampleName, &filter), gain(gainName, &filter), offset(offsetName, &filter) {
     sample.setBuffer({.size = kDataBuffer, .isLifo = false});
+    gain.setBuffer({.size = Kivra2Pins::kCalibBuffer});
+    offset.setBuffer({.size = Kivra2Pins::kCalibBuffer});
 }
 
 void FilterRecordKivra2Format::SensorCalib::forgetUnconnected(const SensorInputs& inputs) {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Names of the pins by which a Kivra2 unit, its recordings and its calibrations are exchanged:
+/// The pins by which a Kivra2 unit, its recordings and its calibrations are exchanged:
 /// what one filter sends, the others take. Samples are raw counts.
 namespace Kivra2Pins {
 
@@ -16,5 +16,8 @@ inline constexpr const char* kGyrOffset = "3gOff";
 /// 1 x 3: frame counter, share of lost frames (0 to 1), sample frequency in Hz.
 inline constexpr const char* kFrameNumber = "FrameNumber";
 inline constexpr const char* kButton = "Button";  ///< 1 x 1: the bits of the buttons
+
+/// Samples that calibration pins keep: the newest matrix counts.
+inline constexpr unsigned kCalibBuffer = 1;
 
 }  // namespace Kivra2Pins

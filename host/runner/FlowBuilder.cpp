@@ -21,7 +21,6 @@ namespace Quoril::Runner {
 
 namespace {
 constexpr unsigned kDefaultBuffer = 256;
-constexpr const char* kCalibrationPrefix = "calibInput#";
 constexpr const char* kStandardOutput = "-";
 
 std::vector<std::string> listClasses() {
@@ -257,10 +256,9 @@ void FlowBuilder::tellRefusal(const PropertyEntry& entry, const std::string& fil
 std::optional<Core::BufferSettings> chooseBuffer(const ConnectionEntry& connection,
                                                  const Core::AbstractInputPin& input) {
     const Core::BufferSettings& present = input.getBuffer();
-    const bool isChosenByFilter =
-        present.size > 1 || input.getName().rfind(kCalibrationPrefix, 0) == 0;
-    if (!connection.bufferSize && !connection.isLifo && isChosenByFilter) return std::nullopt;
-    const unsigned usual = isChosenByFilter ? present.size : kDefaultBuffer;
+    const bool isChosen = input.isBufferChosen();
+    if (!connection.bufferSize && !connection.isLifo && isChosen) return std::nullopt;
+    const unsigned usual = isChosen ? present.size : kDefaultBuffer;
     return Core::BufferSettings{connection.bufferSize.value_or(usual),
                                 connection.isLifo.value_or(false)};
 }

@@ -197,8 +197,9 @@ TEST_F(FlowBuilding, TellsOfFilesThatCannotBeWritten) {
     EXPECT_EQ(problems_.getExitCode(), 1);
 }
 
-TEST_F(FlowBuilding, CalibrationPinsKeepTheirSizeUnlessOneIsGiven) {
-    Core::InputPin<Eigen::MatrixXd> calib("calibInput#1", nullptr);
+TEST_F(FlowBuilding, PinsKeepTheSizeThatTheirFilterChoseUnlessOneIsGiven) {
+    Core::InputPin<Eigen::MatrixXd> calib("3aGain", nullptr);
+    calib.setBuffer({.size = 1});
     Core::InputPin<Eigen::MatrixXd> data("input#1", nullptr);
     ConnectionEntry connection;
     EXPECT_FALSE(chooseBuffer(connection, calib));

@@ -33,6 +33,7 @@ KnobsFilter::KnobsFilter(const std::string& name)
       shown("Shown", getPropertyBag(), 2),
       out("out", this),
       calib("calibInput#1", this) {
+    calib.setBuffer({.size = 1});
     mode.setEntries({"Slow", "Fast"});
     pinsNumber.setRange(0, 3, 1);
     record.setIsPersistent(false);
