@@ -485,7 +485,7 @@ TEST(ParseDouble, RandomCharacterRunsAreTakenOrRefusedAsByStreams) {
     for (int i = 0; i < 200'000; ++i) {
         std::string text;
         for (auto length = random() % 12; length > 0; --length) {
-            text += alphabet[random() % alphabet.size()];
+            text += alphabet[static_cast<std::size_t>(random() % alphabet.size())];
         }
         ASSERT_NO_FATAL_FAILURE(expectStreamFloatAndDouble(text));
     }
