@@ -2,6 +2,8 @@
 packages_build=(g++ cmake ninja-build libpoco-dev libeigen3-dev libcli11-dev libyaml-cpp-dev
     nlohmann-json3-dev libfmt-dev libhdf5-dev)
 packages_test=(libgtest-dev libgmock-dev librapidcheck-dev binutils python3-jsonschema python3-yaml)
+# Other zones of time and other locales, under which the same bytes must come.
+packages_test+=(locales tzdata)
 # What users read exported files with, the shells that complete, and a reader of manual pages.
 packages_test+=(python3-numpy python3-pandas python3-h5py python3-scipy zsh fish mandoc)
 # Pages of plots are looked at in a browser; what draws in them comes from npm, of which any will do.

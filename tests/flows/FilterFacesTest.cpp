@@ -46,7 +46,8 @@ std::string describe(const Filter& filter) {
     for (const Quoril::Core::AbstractInputPin* pin : filter.getInputPins())
         text << "  input \"" << pin->getName() << "\": " << pin->getBuffer().size
              << (pin->getBuffer().isLifo ? " last in first out" : "")
-             << (pin->getIsBlocking() ? " blocking" : "") << "\n";
+             << (pin->getIsBlocking() ? " blocking" : "")
+             << (pin->isBufferChosen() ? "" : " unless the host chooses") << "\n";
     for (const auto* pin : filter.getOutputPins())
         text << "  output \"" << pin->getName() << "\"\n";
     for (const std::string& name : filter.getPropertyBag()->getNames()) {

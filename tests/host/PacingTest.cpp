@@ -63,6 +63,32 @@ TEST_F(PacingTest, OwnPaceDoesNotAddUpTheTimeOfCalls) {
     EXPECT_THAT(clock.getWaits(), Each(milliseconds(7)));
 }
 
+TEST_F(PacingTest, ADayAtTheOwnPaceOrByStampsDoesNotDrift) {
+    constexpr int kPerSecond = 2;
+    constexpr int kRows = 24 * 3600 * kPerSecond;
+    TestSource& source = addSource(kRows);
+    source.ownRate = kPerSecond;
+    source.stampRate = kPerSecond;
+    auto& slow = add<TestSink>("slow");
+    slow.onProcess = [&] {
+        slow.passOne();
+        clock.advance(std::chrono::microseconds(slow.calls % 9973));
+    };
+    connect(source, slow);
+    runToEnd();
+    EXPECT_EQ(source.sentAt.at(kRows - 1) - source.sentAt.at(0),
+              (kRows - 1) * milliseconds(1000 / kPerSecond));
+
+    source.sentRows = 0;
+    source.sentAt.clear();
+    flow.setPacing({.mode = Pacing::Mode::kFactor, .factor = 1.0});
+    runToEnd();
+    // A row is sent when the time of the one before it has come.
+    EXPECT_EQ(source.sentAt.at(kRows - 1) - source.sentAt.at(1),
+              (kRows - 2) * milliseconds(1000 / kPerSecond) -
+                  (source.sentAt.at(1) - source.sentAt.at(0)));
+}
+
 TEST_F(PacingTest, OwnPaceCatchesUpAfterALongCall) {
     TestSource& source = addSource(5);
     source.ownRate = 100.0;

@@ -1,5 +1,7 @@
 #include "host/SourcePacer.hpp"
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -120,6 +122,45 @@ TEST(SourcePacerTest, SlowSourceThatNeverIdlesCatchesUp) {
     pacer.notePush(0.01, 1.0, kStart + seconds(9));
     EXPECT_EQ(pacer.getStampDue(), kStart + milliseconds(10));
 }
+
+constexpr double kDay = 24.0 * 3600.0;
+
+/// How far a due time is from where it belongs, seconds.
+double distance(SourcePacer::Instant due, double secondsSinceStart) {
+    const std::chrono::duration<double> since = due - kStart;
+    return std::abs(since.count() - secondsSinceStart);
+}
+
+class PacerDayTest : public testing::TestWithParam<double> {};
+
+TEST_P(PacerDayTest, OwnDueDoesNotDriftInADayOfLateCalls) {
+    const auto rows = static_cast<int>(kDay * GetParam());
+    SourcePacer pacer;
+    SourcePacer::Instant now = kStart;
+    double farthest = 0.0;
+    for (int i = 0; i < rows; ++i) {
+        const SourcePacer::Instant due = pacer.getOwnDue(i / GetParam(), now);
+        farthest = std::max(farthest, distance(due, i / GetParam()));
+        now = std::max(now, due) + std::chrono::microseconds(i % 997);
+    }
+    EXPECT_LT(farthest, 1e-6);
+}
+
+TEST_P(PacerDayTest, StampDueDoesNotDriftInADayOfSummedStamps) {
+    const auto rows = static_cast<int>(kDay * GetParam());
+    SourcePacer pacer;
+    SourcePacer::Instant now = kStart;
+    double stamp = 0.0;
+    for (int i = 0; i < rows; ++i) {
+        pacer.notePush(stamp, 1.0, now);
+        now = std::max(now, *pacer.getStampDue()) + std::chrono::microseconds(i % 997);
+        stamp += 1.0 / GetParam();
+    }
+    // The sum of the stamps itself is off by some microseconds.
+    EXPECT_LT(distance(*pacer.getStampDue(), (rows - 1) / GetParam()), 1e-3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, PacerDayTest, testing::Values(200.0, 81.92, 1.0 / 3.0));
 
 }  // namespace
 }  // namespace Quoril::Core
