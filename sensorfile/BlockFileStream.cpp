@@ -21,7 +21,15 @@ class Device : public Poco::FileStreamBuf {
 }  // namespace
 
 std::size_t BlockOutputStream::writeSome(const char* data, std::size_t size) {
-    const int written = Device::write(_buf, data, size);
+    int written = 0;
+    try {
+        written = Device::write(_buf, data, size);
+    } catch (const Poco::FileException&) {
+        throw;
+    } catch (const Poco::IOException& error) {
+        // POCO's error of a broken disk is none of a file.
+        throw Poco::WriteFileException(error.message(), error.code());
+    }
     if (written <= 0) throw Poco::WriteFileException("no data accepted");
     return static_cast<std::size_t>(written);
 }

@@ -1,5 +1,6 @@
 #include "filters/kivra2/FilterRecordKivra2Format.hpp"
 
+#include "filters/common/EndedRecording.hpp"
 #include "filters/common/FilePath.hpp"
 #include "filters/common/ForceSet.hpp"
 #include "filters/common/Numbers.hpp"
@@ -156,26 +157,30 @@ void FilterRecordKivra2Format::abandonFile() noexcept {
 void FilterRecordKivra2Format::process() {
     if (!record_.get()) return;
     const bool isPaused = pause_.get();
+    std::exception_ptr error;
     {
         const FilterGuard::Call call(guard_);
-        if (call.isBusy() || recordRow(isPaused)) return;
+        if (!call.isBusy()) error = recordRow(isPaused);
     }
+    if (error == nullptr) return;
     // Without the mutex: setting "Record" runs callbacks that take it.
+    Filters::logEndedRecording(*this, fileName_.get(), error);
     Filters::forceSetQuietly(record_, false);
 }
 
-// False when the recording cannot go on. Nothing gets out of a processing call.
-bool FilterRecordKivra2Format::recordRow(bool isPaused) {
+// Not null when the recording cannot go on. Nothing gets out of a processing call.
+std::exception_ptr FilterRecordKivra2Format::recordRow(bool isPaused) {
     // Tested here, under the mutex: a stop may have come after "Record" was read.
-    if (!writer_.isOpen()) return true;
+    if (!writer_.isOpen()) return nullptr;
     try {
-        if (!fetchAll()) return true;
+        if (!fetchAll()) return nullptr;
         if (!isHeaderWritten_) writeHeader();
         takeRow(isPaused);
-        return true;
+        return nullptr;
     } catch (const std::exception&) {
+        const std::exception_ptr error = std::current_exception();
         abandonFile();
-        return false;
+        return error;
     }
 }
 

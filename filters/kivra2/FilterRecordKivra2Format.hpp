@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <string>
 
@@ -29,7 +30,7 @@
 ///
 /// A recording with the gyroscope's calibration but without the other two is not replayed: its two
 /// records fit no layout. When the file cannot take more (a full disk), the recording ends: the
-/// file is closed after its last whole row and "Record" turns false.
+/// file is closed after its last whole row, the cause is logged, and "Record" turns false.
 ///
 /// Properties are set from any thread, under the filter's synchronizer; process() is called by one
 /// thread at a time.
@@ -110,7 +111,7 @@ class FilterRecordKivra2Format final : public Quoril::Core::Filter {
     void abandonFile() noexcept;
 
     // Processing.
-    bool recordRow(bool isPaused);
+    std::exception_ptr recordRow(bool isPaused);
     void takeRow(bool isPaused);
     [[nodiscard]] bool fetchAll();
     [[nodiscard]] std::optional<std::uint16_t> takeFrameCounter();

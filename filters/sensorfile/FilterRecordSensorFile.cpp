@@ -1,6 +1,7 @@
 #include "filters/sensorfile/FilterRecordSensorFile.hpp"
 
 #include "filters/common/ColumnTypeChoice.hpp"
+#include "filters/common/EndedRecording.hpp"
 #include "filters/common/FilePath.hpp"
 #include "filters/common/ForceSet.hpp"
 #include "filters/common/NameList.hpp"
@@ -178,28 +179,33 @@ void FilterRecordSensorFile::process() {
     if (!record_.get()) return;
     std::optional<HeaderSettings> settings;
     if (isHeaderPending()) settings = HeaderSettings{frequency_.get(), precision_.get()};
+    std::exception_ptr error;
     {
         const FilterGuard::Call call(guard_);
-        if (call.isBusy() || recordRow(settings)) return;
+        if (!call.isBusy()) error = recordRow(settings);
     }
+    if (error == nullptr) return;
     // Without the mutex: setting "Record" runs callbacks that take it.
+    Filters::logEndedRecording(*this, fileName_.get(), error);
     Filters::forceSetQuietly(record_, false);
 }
 
-// False when the recording cannot go on. Nothing gets out of a processing call.
-bool FilterRecordSensorFile::recordRow(const std::optional<HeaderSettings>& settings) {
+// Not null when the recording cannot go on. Nothing gets out of a processing call.
+std::exception_ptr FilterRecordSensorFile::recordRow(
+    const std::optional<HeaderSettings>& settings) {
     // Tested here, under the mutex: a stop may have come after "Record" was read.
-    if (!writer_.isOpen() || dataPins_.isEmpty()) return true;
+    if (!writer_.isOpen() || dataPins_.isEmpty()) return nullptr;
     try {
         if (isHeaderPending()) {
-            if (!settings) return true;
+            if (!settings) return nullptr;
             writeHeader(*settings);
         }
         if (config_.getColumnCount() > 0 && collectRow()) writeRow();
-        return true;
+        return nullptr;
     } catch (const std::exception&) {
+        const std::exception_ptr error = std::current_exception();
         abandonFile();
-        return false;
+        return error;
     }
 }
 

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,7 +30,8 @@
 /// many were is told on the error output when the recording ends.
 ///
 /// When the file cannot take more (a full disk) or its header cannot be written, the recording
-/// ends: the file is closed after its last whole row and "Record" turns false.
+/// ends: the file is closed after its last whole row, the cause is logged, and "Record" turns
+/// false.
 ///
 /// Properties are set from any thread, under the filter's synchronizer; process() is called by one
 /// thread at a time.
@@ -125,7 +127,7 @@ class FilterRecordSensorFile final : public Quoril::Core::Filter {
 
     // Processing.
     [[nodiscard]] bool isHeaderPending() const { return !isHeaderWritten_; }
-    bool recordRow(const std::optional<HeaderSettings>& settings);
+    std::exception_ptr recordRow(const std::optional<HeaderSettings>& settings);
     void writeHeader(const HeaderSettings& settings);
     bool collectRow();
     void writeRow();

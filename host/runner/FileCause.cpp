@@ -13,6 +13,9 @@
 namespace Quoril::Runner {
 
 namespace {
+// Less than a block of any file system: what did not fit left no more.
+constexpr std::uint64_t kAlmostNothing = 4096;
+
 /// Refusals of texts and names have nothing to do with files.
 bool canComeFromAFile(const Poco::Exception& error) {
     const bool isMistake = dynamic_cast<const Poco::DataFormatException*>(&error) != nullptr;
@@ -20,12 +23,17 @@ bool canComeFromAFile(const Poco::Exception& error) {
            (dynamic_cast<const Poco::DataException*>(&error) != nullptr && !isMistake);
 }
 
+std::string findWriteCause(const std::string& path) {
+    const std::string error = findWriteError(path);
+    return error.empty() ? findFullDisk(path, kAlmostNothing) : error;
+}
+
 /// The message with what is wrong with the file; the message alone if it says so already, or if
 /// nothing is wrong.
 std::string addCause(const std::string& message, const std::string& file, bool isWritten) {
     if (file.empty()) return message;
     const std::string path = Poco::Path(Poco::Path::expand(file)).makeAbsolute().toString();
-    const std::string cause = isWritten ? findWriteError(path) : findReadObstacle(path);
+    const std::string cause = isWritten ? findWriteCause(path) : findReadObstacle(path);
     if (cause.empty()) return message;
     // The words of the system, without ours before them.
     const std::size_t colon = cause.rfind(": ");

@@ -12,6 +12,7 @@
 #include "host/runner/Names.hpp"
 #include "host/runner/Platform.hpp"
 #include "host/runner/Recordings.hpp"
+#include "host/runner/Room.hpp"
 
 #include <Poco/Exception.h>
 #include <Poco/Path.h>
@@ -65,6 +66,9 @@ void FlowBuilder::build() {
 }
 
 void FlowBuilder::setSwitches() {
+    // Before any of them: the recording that comes first has emptied its file already when a later
+    // one is refused.
+    if (!checkRoom()) return;
     for (const Switch& later : switches_) {
         const std::string& text = later.entry->value.text;
         Core::AbstractProperty* property =
@@ -164,6 +168,36 @@ void FlowBuilder::checkWrittenFile(const Switch& later) {
     const std::string obstacle = findWriteObstacle(Poco::Path::expand(path));
     if (!obstacle.empty())
         tellRefusal(*later.entry, later.filterName, obstacle, Severity::kFailure);
+}
+
+bool FlowBuilder::checkRoom() {
+    bool hasRoom = true;
+    for (const Switch& later : switches_) {
+        const std::string lack = findLackOfRoomOf(later);
+        if (lack.empty()) continue;
+        tellRefusal(*later.entry, later.filterName, lack, Severity::kFailure);
+        hasRoom = false;
+    }
+    return hasRoom;
+}
+
+// The names of files are not set yet.
+std::string FlowBuilder::findLackOfRoomOf(const Switch& later) const {
+    const std::string& text = later.entry->value.text;
+    const Core::PropertyBag& bag = *later.filter->getPropertyBag();
+    const Core::AbstractProperty* property = bag.find(later.entry->name.text);
+    if (property == nullptr) return "";
+    if (!isRecordSwitch(*later.filter, *property, text, /*isOn=*/true))
+        return findLackOfRoom(*later.filter, *property, text);
+    for (const Switch& file : switches_) {
+        if (file.filter != later.filter) continue;
+        const Core::AbstractProperty* name = bag.find(file.entry->name.text);
+        if (name == nullptr || !describeProperty(*name).isWrittenFile) continue;
+        const std::string lack =
+            findLackOfRoom(writtenPathOf(file.entry->value.text), /*isRecording=*/true);
+        if (!lack.empty()) return lack;
+    }
+    return "";
 }
 
 void FlowBuilder::connect(const ConnectionEntry& connection) {

@@ -53,6 +53,8 @@ class FlowBuilder {
     [[nodiscard]] bool hasRefusedFile(const std::string& filterName) const;
     void checkSwitches();
     void checkWrittenFile(const Switch& later);
+    [[nodiscard]] bool checkRoom();
+    [[nodiscard]] std::string findLackOfRoomOf(const Switch& later) const;
     void connect(const ConnectionEntry& connection);
     void checkScript();
     void checkStop();

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Quoril::Runner {
@@ -19,9 +21,43 @@ namespace Quoril::Runner {
 /// if it can be. Changes no file, and leaves none that was not there.
 [[nodiscard]] std::string findWriteError(const std::string& path);
 
+/// What the system says when a regular file of that path, there already or not, cannot get so many
+/// bytes: "No space left on device, 0 bytes are free"; empty if it can, or nobody knows.
+[[nodiscard]] std::string findFullDisk(const std::string& path, std::uint64_t bytes);
+
+/// What became of a file that is being written.
+struct FileFacts {
+    std::uint64_t size = 0;                  ///< bytes
+    std::uint64_t fileSystem = 0;            ///< the same number for files of one file system
+    std::optional<std::uint64_t> freeBytes;  ///< for this process; nothing if nobody knows
+    bool isRemoved = false;                  ///< it has no name any more
+    bool isInPlace = true;                   ///< its path still leads to it
+};
+
+/// Keeps an eye on a regular file that someone else writes, wherever it is moved to.
+class WatchedFile {
+ public:
+    /// A path that leads to no regular file, or to one that cannot be opened, is not watched.
+    explicit WatchedFile(const std::string& path);
+    ~WatchedFile();
+    WatchedFile(const WatchedFile&) = delete;
+    WatchedFile& operator=(const WatchedFile&) = delete;
+
+    /// Nothing if the file is not watched or cannot be looked at.
+    [[nodiscard]] std::optional<FileFacts> look() const;
+
+ private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
 /// Why nothing can be read from a file: "does not exist", "is a folder", "is empty" or "cannot be
 /// read: " with what the system says; empty if nothing is known to be in the way.
 [[nodiscard]] std::string findReadObstacle(const std::string& path);
+
+/// A limit of the size of files (`ulimit -f`) is told like a full disk from now on, instead of
+/// ending the process.
+void tellFileSizeLimitAsError();
 
 /// True if the standard error stream goes to a terminal.
 [[nodiscard]] bool isErrorStreamTerminal();

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -26,6 +28,14 @@ std::atomic<int> interruptPipe{-1};
 
 std::string describeError(int error) {
     return std::generic_category().message(error);
+}
+
+/// What this process may still fill; nothing from a file system that does not count.
+std::optional<std::uint64_t> countFreeBytes(const struct statvfs& disk) {
+    if (disk.f_blocks == 0) return std::nullopt;
+    // What is kept back is kept for the superuser.
+    const auto blocks = ::geteuid() == 0 ? disk.f_bfree : disk.f_bavail;
+    return static_cast<std::uint64_t>(blocks) * disk.f_frsize;
 }
 
 void writeByte(int file, char byte) {
@@ -90,6 +100,55 @@ std::string findReadObstacle(const std::string& path) {
     if (::access(path.c_str(), R_OK) != 0) return "cannot be read: " + describeError(errno);
     const bool isEmpty = fs::is_regular_file(status) && fs::file_size(path, error) == 0;
     return isEmpty ? "is empty" : "";
+}
+
+std::string findFullDisk(const std::string& path, std::uint64_t bytes) {
+    struct stat file {};
+    const bool exists = ::stat(path.c_str(), &file) == 0;
+    if (exists && !S_ISREG(file.st_mode)) return "";
+    std::error_code error;
+    const std::string folder = std::filesystem::absolute(path, error).parent_path().string();
+    struct statvfs disk {};
+    if (::statvfs(exists ? path.c_str() : folder.c_str(), &disk) != 0) return "";
+    const std::optional<std::uint64_t> room = countFreeBytes(disk);
+    if (!room || *room >= bytes) return "";
+    return describeError(ENOSPC) + ", " + std::to_string(*room) + " bytes are free";
+}
+
+struct WatchedFile::Impl {
+    std::string path;
+    int file = -1;
+};
+
+WatchedFile::WatchedFile(const std::string& path) : impl_(std::make_unique<Impl>()) {
+    impl_->path = path;
+    // Opening anything else may wait or do something: a pipe would take it for its reader.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return;
+    impl_->file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+}
+
+WatchedFile::~WatchedFile() {
+    if (impl_->file >= 0) ::close(impl_->file);
+}
+
+std::optional<FileFacts> WatchedFile::look() const {
+    struct stat file {};
+    struct statvfs disk {};
+    if (impl_->file < 0 || ::fstat(impl_->file, &file) != 0) return std::nullopt;
+    FileFacts facts;
+    facts.size = static_cast<std::uint64_t>(file.st_size);
+    facts.fileSystem = static_cast<std::uint64_t>(file.st_dev);
+    if (::fstatvfs(impl_->file, &disk) == 0) facts.freeBytes = countFreeBytes(disk);
+    facts.isRemoved = file.st_nlink == 0;
+    struct stat named {};
+    facts.isInPlace = ::stat(impl_->path.c_str(), &named) == 0 && named.st_dev == file.st_dev &&
+                      named.st_ino == file.st_ino;
+    return facts;
+}
+
+void tellFileSizeLimitAsError() {
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool isErrorStreamTerminal() {

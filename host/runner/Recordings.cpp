@@ -8,6 +8,8 @@
 
 #include <cstring>
 
+#include <Poco/Exception.h>
+#include <Poco/Path.h>
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
@@ -15,17 +17,12 @@ namespace Quoril::Runner {
 namespace {
 constexpr const char* kRecorderClass = "FilterRecordSensorFile";
 constexpr const char* kRecord = "Record";
-constexpr const char* kFileName = "File Name";
+constexpr const char* kStandardOutput = "-";
 
 /// The property's value as a user writes it; empty if there is no such property.
 std::string valueOf(const Core::Filter& filter, const std::string& name) {
     const Core::AbstractProperty* property = filter.getPropertyBag()->find(name);
     return property == nullptr ? std::string() : describeProperty(*property).value;
-}
-
-/// The switch by which a filter records, or null.
-Core::ValueProperty<bool>* findRecord(const Core::Filter& filter) {
-    return dynamic_cast<Core::ValueProperty<bool>*>(filter.getPropertyBag()->find(kRecord));
 }
 
 const Place& placeOf(const FilterEntry& entry, const std::string& property) {
@@ -51,12 +48,53 @@ void warnOfLossyTextColumns(const FilterEntry& entry, const Core::Filter& filter
     }
 }
 
-void closeRecordings(const Core::Flow& flow, Problems& problems) {
+Core::AbstractProperty* findRecord(const Core::Filter& filter) {
+    return dynamic_cast<Core::ValueProperty<bool>*>(filter.getPropertyBag()->find(kRecord));
+}
+
+bool isRecordSwitch(const Core::Filter& filter, const Core::AbstractProperty& property,
+                    const std::string& text, bool isOn) {
+    if (&property != findRecord(filter)) return false;
+    const PropertyDescription description = describeProperty(property);
+    return toSerialized(description, text) == toSerialized(description, isOn ? "true" : "false");
+}
+
+std::string writtenPathOf(const std::string& text) {
+    if (text.empty() || text == kStandardOutput) return "";
+    return Poco::Path(Poco::Path::expand(text)).makeAbsolute().toString();
+}
+
+std::vector<std::string> listWrittenFiles(const Core::Filter& filter) {
+    std::vector<std::string> paths;
+    for (const std::string& name : filter.getPropertyBag()->getNames()) {
+        const Core::AbstractProperty* property = filter.getPropertyBag()->find(name);
+        if (property == nullptr) continue;
+        const PropertyDescription description = describeProperty(*property);
+        const std::string path =
+            description.isWrittenFile ? writtenPathOf(description.value) : std::string();
+        if (!path.empty()) paths.push_back(path);
+    }
+    return paths;
+}
+
+void endRecording(const Core::Filter& filter, const OnRecordingLoss& onLoss) {
+    auto& record = dynamic_cast<Core::ValueProperty<bool>&>(*findRecord(filter));
+    try {
+        record.set(false);
+    } catch (const Poco::FileException& error) {
+        const std::vector<std::string> paths = listWrittenFiles(filter);
+        onLoss({filter.getName(), paths.empty() ? "" : paths.front(), describeCause(error)});
+        // The file is closed all the same; only the switch is still on.
+        record.set(false);
+    }
+}
+
+void closeRecordings(const Core::Flow& flow, const OnRecordingLoss& onLoss, Problems& problems) {
     for (const Core::Filter* filter : flow.getFilters()) {
-        Core::ValueProperty<bool>* record = findRecord(*filter);
-        if (record == nullptr || !record->get()) continue;
+        const Core::AbstractProperty* record = findRecord(*filter);
+        if (record == nullptr || !hasValue(*record, "true")) continue;
         try {
-            record->set(false);
+            endRecording(*filter, onLoss);
         } catch (const Poco::Exception& error) {
             problems.add({},
                          fmt::format("the recording of filter '{}' cannot be ended: {}",
@@ -64,26 +102,6 @@ void closeRecordings(const Core::Flow& flow, Problems& problems) {
                          Severity::kFailure);
         }
     }
-}
-
-RecordingWatch::RecordingWatch(const Core::Flow& flow, OnEnd onEnd) : onEnd_(std::move(onEnd)) {
-    for (const Core::Filter* filter : flow.getFilters())
-        if (Core::AbstractProperty* record = findRecord(*filter)) {
-            watched_.push_back({filter, record});
-            record->addObserver(*this);
-        }
-}
-
-RecordingWatch::~RecordingWatch() {
-    for (const Watched& watched : watched_)
-        watched.record->removeObserver(*this);
-}
-
-void RecordingWatch::valueChanged(const Core::AbstractProperty& property) {
-    if (std::this_thread::get_id() == editor_ || hasValue(property, "true")) return;
-    for (const Watched& watched : watched_)
-        if (watched.record == &property)
-            onEnd_(watched.filter->getName(), valueOf(*watched.filter, kFileName));
 }
 
 }  // namespace Quoril::Runner

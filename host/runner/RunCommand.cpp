@@ -1,13 +1,17 @@
 #include "host/runner/RunCommand.hpp"
 
 #include "host/runner/Console.hpp"
+#include "host/runner/EndedRecorders.hpp"
 #include "host/runner/ExitCode.hpp"
 #include "host/runner/FlowBuilder.hpp"
 #include "host/runner/Platform.hpp"
 #include "host/runner/Progress.hpp"
+#include "host/runner/RecordingLog.hpp"
+#include "host/runner/RecordingWatch.hpp"
 #include "host/runner/Recordings.hpp"
 #include "host/runner/Script.hpp"
 #include "host/runner/Session.hpp"
+#include "host/runner/SpaceWatch.hpp"
 #include "host/runner/StopConditions.hpp"
 #include "host/runner/Summary.hpp"
 #include "host/runner/WakeUp.hpp"
@@ -25,6 +29,7 @@ using std::chrono::nanoseconds;
 
 // Nobody tells of the end of a source: it is asked for this often.
 constexpr nanoseconds kFinishPoll = std::chrono::milliseconds(20);
+constexpr nanoseconds kSpacePeriod = std::chrono::milliseconds(500);
 constexpr nanoseconds kProgressPeriodOnTerminal = std::chrono::milliseconds(200);
 constexpr nanoseconds kProgressPeriodElsewhere = std::chrono::seconds(1);
 
@@ -43,9 +48,13 @@ class Run {
           console_(console),
           interrupts_([this] { interrupt(); }),
           stops_(model.stop, options.limit, flow, [this] { wakeUp_.ring(); }),
-          recordings_(flow, [this](const std::string& filter,
-                                   const std::string& file) { tellEnded(filter, file); }),
-          script_(model.script, flow, [this](const std::string& text) { tellAction(text); }) {}
+          ended_(flow),
+          recordings_(flow,
+                      [this](RecordingWatch::Event event, const std::string& filter,
+                             const std::string& path) { tellOfRecording(event, filter, path); }),
+          script_(
+              model.script, flow, [this](const std::string& text) { prepareAction(text); },
+              [this](const RecordingLoss& loss) { tellLoss(loss); }) {}
 
     /// Runs the flow to its end, with the switches set by the builder.
     int run(FlowBuilder& builder, Problems& problems) {
@@ -57,7 +66,8 @@ class Run {
         builder.setSwitches();
         const bool isReady = !problems.hasErrors();
         if (isReady) runReady(problems);
-        closeRecordings(flow_, problems);
+        closeRecordings(
+            flow_, [this](const RecordingLoss& loss) { tellLoss(loss); }, problems);
         if (isReady) tellEnd();
         const int code = decideExitCode(problems);
         tell(problems, console_);
@@ -86,8 +96,10 @@ class Run {
             if (stops_.isMet(now)) return;
             script_.runDue(now, problems);
             if (problems.hasErrors()) return;
+            if (options_.pacing.mode == Core::Pacing::Mode::kMaximum) ended_.letPass();
             const bool isScriptDone = !script_.getNextTime();
             if (stops_.getEndsWhenFinished() && isScriptDone && flow_.isFinished()) return;
+            watchSpace(now);
             showProgress(now);
             wakeUp_.waitUntil(start_ + getNextTime(now));
         }
@@ -110,13 +122,47 @@ class Run {
             now + (console_.getIsTerminal() ? kProgressPeriodOnTerminal : kProgressPeriodElsewhere);
     }
 
-    /// Called on the layout's thread.
-    void tellEnded(const std::string& filter, const std::string& file) {
-        hasFilterFailed_ = true;
-        console_.error(
-            fmt::format("filter '{}': the recording to '{}' ended by itself: the file cannot take "
-                        "more",
-                        filter, file));
+    void watchSpace(nanoseconds now) {
+        if (now < nextSpace_) return;
+        nextSpace_ = now + kSpacePeriod;
+        for (const std::string& warning : space_.look(now, recordings_.look()))
+            console_.error(warning);
+    }
+
+    /// Called on any thread.
+    void tellOfRecording(RecordingWatch::Event event, const std::string& filter,
+                         const std::string& path) {
+        switch (event) {
+            case RecordingWatch::Event::kEnded:
+                tellEnded(filter, path);
+                ended_.add(filter);
+                break;
+            case RecordingWatch::Event::kRemoved:
+                hasLostRecording_ = true;
+                console_.error(fmt::format(
+                    "filter '{}': the file '{}' was removed while it was recorded: it is lost",
+                    filter, path));
+                break;
+            case RecordingWatch::Event::kMoved:
+                console_.error(fmt::format(
+                    "warning: filter '{}': the file '{}' was moved while it was recorded: the "
+                    "recording stays in it",
+                    filter, path));
+                break;
+        }
+    }
+
+    void tellEnded(const std::string& filter, const std::string& path) {
+        const auto cause = log_.take(filter);
+        (cause && !cause->isOfFile ? hasFilterFailed_ : hasLostRecording_) = true;
+        console_.error(fmt::format("filter '{}': the recording to '{}' ended by itself: {}", filter,
+                                   path, cause ? cause->text : "the file cannot take more"));
+    }
+
+    void tellLoss(const RecordingLoss& loss) {
+        hasLostRecording_ = true;
+        console_.error(fmt::format("filter '{}': the end of the recording to '{}' is lost: {}",
+                                   loss.filter, loss.path, loss.cause));
     }
 
     void tellEnd() {
@@ -126,13 +172,16 @@ class Run {
         console_.info(makeSummary(reports));
     }
 
-    void tellAction(const std::string& text) {
+    void prepareAction(const std::string& text) {
+        ended_.giveBack();
         console_.detail(
             fmt::format("{:.3f} s: {}", std::chrono::duration<double>(sinceStart()).count(), text));
     }
 
     int decideExitCode(const Problems& problems) {
         if (problems.hasErrors() || hasFilterFailed_) return kExitFailed;
+        // Rather than of an interrupt, after which recordings are complete.
+        if (hasLostRecording_) return kExitLost;
         if (isInterrupted_) return kExitInterrupted;
         const std::uint64_t lost = countLost(flow_.getPinReports());
         if (lost == 0) return kExitDone;
@@ -146,12 +195,17 @@ class Run {
     WakeUp wakeUp_;
     std::atomic<bool> isInterrupted_{false};
     std::atomic<bool> hasFilterFailed_{false};
+    std::atomic<bool> hasLostRecording_{false};
     InterruptWatch interrupts_;
     StopConditions stops_;
+    RecordingLog log_;
+    EndedRecorders ended_;
     RecordingWatch recordings_;
+    SpaceWatch space_;
     Script script_;
     Progress progress_;
     Clock::time_point start_;
+    nanoseconds nextSpace_{0};
     nanoseconds nextProgress_{0};
     nanoseconds end_{0};
 };

@@ -5,6 +5,7 @@
 #include "host/Flow.hpp"
 #include "host/runner/FileCause.hpp"
 #include "host/runner/PropertyText.hpp"
+#include "host/runner/Room.hpp"
 
 #include <fmt/format.h>
 
@@ -19,8 +20,8 @@ std::string describe(const ScriptEntry& entry) {
 }  // namespace
 
 Script::Script(const std::vector<ScriptEntry>& entries, const Core::Flow& flow,
-               std::function<void(const std::string&)> onAction)
-    : entries_(entries), flow_(flow), onAction_(std::move(onAction)) {}
+               std::function<void(const std::string&)> onAction, OnRecordingLoss onLoss)
+    : entries_(entries), flow_(flow), onAction_(std::move(onAction)), onLoss_(std::move(onLoss)) {}
 
 std::optional<std::chrono::nanoseconds> Script::getNextTime() const {
     if (next_ == entries_.size()) return std::nullopt;
@@ -45,7 +46,11 @@ std::string Script::run(const ScriptEntry& entry) const {
     if (property == nullptr) return "the property is gone";
     const std::string text = entry.value ? entry.value->text : "";
     try {
-        if (entry.value)
+        std::string lack = findLackOfRoom(*filter, *property, text);
+        if (!lack.empty()) return lack;
+        if (isRecordSwitch(*filter, *property, text, /*isOn=*/false))
+            endRecording(*filter, onLoss_);
+        else if (entry.value)
             setFromText(*property, text);
         else
             dynamic_cast<Core::CommandProperty&>(*property).trigger();

@@ -2,6 +2,7 @@
 
 #include "host/runner/FlowModel.hpp"
 #include "host/runner/Problems.hpp"
+#include "host/runner/Recordings.hpp"
 
 #include <chrono>
 #include <functional>
@@ -20,8 +21,9 @@ class Script {
  public:
     /// @param entries  by time
     /// @param onAction  told of each action before it runs, in words
+    /// @param onLoss  told of recordings whose end is lost when an action ends them
     Script(const std::vector<ScriptEntry>& entries, const Core::Flow& flow,
-           std::function<void(const std::string&)> onAction);
+           std::function<void(const std::string&)> onAction, OnRecordingLoss onLoss);
 
     /// When the next action is due, since the start of the flow; nothing after the last one.
     [[nodiscard]] std::optional<std::chrono::nanoseconds> getNextTime() const;
@@ -37,6 +39,7 @@ class Script {
     const std::vector<ScriptEntry>& entries_;
     const Core::Flow& flow_;
     std::function<void(const std::string&)> onAction_;
+    OnRecordingLoss onLoss_;
     std::size_t next_ = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <iostream>
 
 int main(int argc, char** argv) {
+    Quoril::Runner::tellFileSizeLimitAsError();
     return Quoril::Runner::runProgram(argc, argv, std::cout, std::cerr,
                                       Quoril::Runner::isErrorStreamTerminal());
 }

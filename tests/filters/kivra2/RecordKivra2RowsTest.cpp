@@ -1,5 +1,6 @@
 #include "tests/filters/kivra2/Kivra2RecordFixture.hpp"
 #include "tests/support/FileSizeLimit.hpp"
+#include "tests/support/LogCatcher.hpp"
 
 #include <cmath>
 #include <limits>
@@ -302,6 +303,20 @@ TEST_F(RecordKivra2RowsTest, FullDiskEndsTheRecordingAfterItsLastWholeRow) {
     EXPECT_EQ(rows(), (Rows{{0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0}}));
     recordFile();
     EXPECT_EQ(rows().size(), 1U);
+}
+
+TEST_F(RecordKivra2RowsTest, FullDiskIsLoggedOnce) {
+    Support::LogCatcher log;
+    start();
+    {
+        const Support::FileSizeLimit full(4);
+        recordPlain();
+        recordPlain();
+    }
+    ASSERT_EQ(log.messages().size(), 1U);
+    EXPECT_EQ(log.messages()[0].getText(),
+              "recorder: the recording to '" + file + "' ended by itself: File too large");
+    EXPECT_EQ(log.messages()[0].get("culprit"), "file");
 }
 
 TEST_F(RecordKivra2RowsTest, CallAfterAFailedStopLeavesTheNextFileWhole) {

@@ -1,5 +1,6 @@
 #include "tests/filters/sensorfile/RecordFixture.hpp"
 #include "tests/support/FileSizeLimit.hpp"
+#include "tests/support/LogCatcher.hpp"
 
 #include <Poco/Path.h>
 
@@ -235,6 +236,22 @@ TEST_F(RecordStartStopTest, RecordingCanStartAnewAfterAFullDisk) {
     EXPECT_THAT(columnNames(), ElementsAre("a"));
     // The header had failed before the sample was taken.
     EXPECT_EQ(rows(), (Rows{{1.0}}));
+}
+
+TEST_F(RecordStartStopTest, FullDiskIsLoggedOnce) {
+    makePins({{"a", "DOUBLE"}});
+    Support::LogCatcher log;
+    start();
+    {
+        const Support::FileSizeLimit full(4);
+        for (const double value : {1.0, 2.0, 3.0})
+            record({value});
+    }
+    stop();
+    ASSERT_EQ(log.messages().size(), 1U);
+    EXPECT_EQ(log.messages()[0].getText(),
+              "recorder: the recording to '" + file + "' ended by itself: File too large");
+    EXPECT_EQ(log.messages()[0].get("culprit"), "file");
 }
 
 TEST_F(RecordStartStopTest, StopThatCannotWriteTheRestTellsSoOnce) {

@@ -4,6 +4,9 @@
 #include "framework/FlowManager.hpp"
 #include "framework/PluginManager.hpp"
 
+#include <cerrno>
+#include <utility>
+
 #include <Poco/Exception.h>
 
 namespace Quoril::Runner::Testing {
@@ -64,6 +67,8 @@ void KnobsFilter::note(const std::string& what) {
 
 void KnobsFilter::onRecord(const bool& value) {
     note(value ? "Record=1" : "Record=0");
+    if (value || !std::exchange(failsToEnd, false)) return;
+    throw Poco::WriteFileException("", "walk.bin", ENOSPC);
 }
 
 void KnobsFilter::onFileName(const std::string& value) {

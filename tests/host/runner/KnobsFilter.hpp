@@ -43,6 +43,8 @@ class KnobsFilter final : public Core::Filter {
     Core::ValueProperty<int> shown;
     Core::OutputPin<Eigen::MatrixXd> out;
     Core::InputPin<Eigen::MatrixXd> calib;
+    /// The next recording's end does not get onto the disk.
+    bool failsToEnd = false;
 
  private:
     void note(const std::string& what);

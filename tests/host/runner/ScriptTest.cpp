@@ -1,10 +1,7 @@
 #include "host/Flow.hpp"
-#include "host/runner/Recordings.hpp"
 #include "host/runner/Script.hpp"
 #include "host/runner/StopConditions.hpp"
 #include "tests/host/runner/KnobsFilter.hpp"
-
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,13 +32,16 @@ ScriptEntry set(std::chrono::nanoseconds at, const std::string& property,
     return {at, {"a", property, {"f", 1, 1}}, Text{value, {}}};
 }
 
+const auto kNoLoss = [](const RecordingLoss& loss) { FAIL() << loss.cause; };
+
 class Scripts : public KnobsFlow {};
 
 TEST_F(Scripts, RunWhatIsDueInOrder) {
     const std::vector<ScriptEntry> entries = {
         set(1s, "Record", "true"), set(1s, "Freq", "5"), {2s, {"a", "Save", {}}, std::nullopt}};
     std::vector<std::string> told;
-    Script script(entries, flow_, [&](const std::string& text) { told.push_back(text); });
+    Script script(
+        entries, flow_, [&](const std::string& text) { told.push_back(text); }, kNoLoss);
     EXPECT_EQ(script.getNextTime(), 1s);
     script.runDue(999ms, problems_);
     EXPECT_THAT(KnobsFilter::log(), ElementsAre());
@@ -57,9 +57,25 @@ TEST_F(Scripts, RunWhatIsDueInOrder) {
     EXPECT_FALSE(problems_.hasErrors());
 }
 
+TEST_F(Scripts, GoOnWhenTheEndOfARecordingIsLost) {
+    const std::vector<ScriptEntry> entries = {set(1s, "Record", "true"), set(2s, "Record", "0"),
+                                              set(3s, "Freq", "5")};
+    std::vector<std::string> losses;
+    Script script(
+        entries, flow_, [](const std::string&) {},
+        [&](const RecordingLoss& loss) { losses.push_back(loss.filter + " " + loss.cause); });
+    knobs_->failsToEnd = true;
+    script.runDue(3s, problems_);
+    EXPECT_THAT(losses, ElementsAre("a No space left on device"));
+    EXPECT_FALSE(knobs_->record.get());
+    EXPECT_EQ(knobs_->freq.get(), 5.0);
+    EXPECT_FALSE(problems_.hasErrors());
+}
+
 TEST_F(Scripts, EndAtTheFirstRefusal) {
     const std::vector<ScriptEntry> entries = {set(0s, "Refusing", "x"), set(0s, "Freq", "5")};
-    Script script(entries, flow_, [](const std::string&) {});
+    Script script(
+        entries, flow_, [](const std::string&) {}, kNoLoss);
     script.runDue(0s, problems_);
     EXPECT_EQ(problems_.toText(), "f:1:1: set 'a.Refusing' to 'x': File not valid.\n");
     EXPECT_EQ(problems_.getExitCode(), 1);
@@ -69,7 +85,8 @@ TEST_F(Scripts, EndAtTheFirstRefusal) {
 
 TEST_F(Scripts, TellOfAPropertyThatIsGone) {
     const std::vector<ScriptEntry> entries = {set(0s, "Gone", "x")};
-    Script script(entries, flow_, [](const std::string&) {});
+    Script script(
+        entries, flow_, [](const std::string&) {}, kNoLoss);
     script.runDue(0s, problems_);
     EXPECT_EQ(problems_.toText(), "f:1:1: set 'a.Gone' to 'x': the property is gone\n");
 }
@@ -157,49 +174,6 @@ TEST_F(Stops, NothingIsObservedAfterwards) {
     { const StopConditions stops({when({{"Freq", "5"}})}, std::nullopt, flow_, ring_); }
     knobs_->freq.set(5.0);
     EXPECT_EQ(rings_, 0);
-}
-
-class Recordings : public KnobsFlow {};
-
-TEST_F(Recordings, AreClosedOnce) {
-    closeRecordings(flow_, problems_);
-    EXPECT_THAT(KnobsFilter::log(), ElementsAre());
-    knobs_->record.set(true);
-    closeRecordings(flow_, problems_);
-    EXPECT_FALSE(knobs_->record.get());
-    EXPECT_THAT(KnobsFilter::log(), ElementsAre("a.Record=1", "a.Record=0"));
-}
-
-TEST_F(Recordings, ThatCannotBeClosedAreAFailure) {
-    knobs_->record.set(true);
-    knobs_->record.setIsWritable(false);
-    closeRecordings(flow_, problems_);
-    EXPECT_EQ(problems_.toText(),
-              "the recording of filter 'a' cannot be ended: Property 'Record' is not writable\n");
-    EXPECT_EQ(problems_.getExitCode(), 1);
-}
-
-TEST_F(Recordings, ThatEndByThemselvesAreNoticed) {
-    std::vector<std::string> ended;
-    {
-        const RecordingWatch watch(flow_, [&](const std::string& filter, const std::string& file) {
-            ended.push_back(filter + " " + file);
-        });
-        knobs_->fileName.set("walk.bin");
-        knobs_->record.set(true);
-        knobs_->record.set(false);
-        EXPECT_THAT(ended, ElementsAre()) << "the thread that edits did it";
-        std::thread([this] {
-            knobs_->record.set(true);
-            knobs_->record.set(false);
-        }).join();
-        EXPECT_THAT(ended, ElementsAre("a walk.bin"));
-    }
-    std::thread([this] {
-        knobs_->record.set(true);
-        knobs_->record.set(false);
-    }).join();
-    EXPECT_EQ(ended.size(), 1U) << "nothing is observed afterwards";
 }
 
 }  // namespace

@@ -378,12 +378,23 @@ class Recording(ProgramTest):
         time.sleep(0.5)
         return count() == before >= almost_all
 
-    def test_that_ends_by_itself_is_a_failure(self):
+    def test_that_the_file_does_not_take_counts_as_lost_samples(self):
         result = self.quoril("run", self.write(ENDLESS.replace("out.bin", "/dev/full")), "--for",
                              "2s", "--rate", "max")
+        self.assert_ends(result, 3)
+        self.assertIn("filter 'rec': the recording to '/dev/full' ended by itself: No space left on "
+                      "device\n", result.stderr)
+
+    def test_whose_header_cannot_be_written_is_a_failure(self):
+        self.write(ENDLESS.replace("  - Record: true", """  - Calib Pins Number: 1
+  - CalibColNames#1: gain
+  - Record: true
+- {name: gain, class: FilterMatrixSource, properties: [Matrix: %s]}""" % "; ".join(256 * "1"))
+                   .replace("connections: [", "connections: [gain.matrix -> rec.calibInput#1, "))
+        result = self.quoril("run", "flow.yaml", "--for", "500ms", "-q")
         self.assert_ends(result, 1)
-        self.assertIn("filter 'rec': the recording to '/dev/full' ended by itself: the file cannot "
-                      "take more\n", result.stderr)
+        self.assertRegex(result.stderr, r"^filter 'rec': the recording to '.*/out\.bin' ended by "
+                         r"itself: .*too large.*\n$")
 
     def test_text_of_single_characters_is_warned_of(self):
         self.write(ENDLESS.replace("Binary: true", "Binary: false").replace(
