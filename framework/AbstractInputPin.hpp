@@ -9,11 +9,13 @@ namespace Quoril::Core {
 
 class AbstractOutputPin;
 
-/// What an input pin did so far, in samples.
+/// What an input pin did so far, in samples. Whatever was pushed and is in no other count waits in
+/// the buffer.
 struct PinCounters {
     std::uint64_t pushed = 0;       ///< delivered by the connected output pin
     std::uint64_t taken = 0;        ///< fetched by the filter
     std::uint64_t overwritten = 0;  ///< lost because the buffer was full
+    std::uint64_t cleared = 0;      ///< forgotten with a buffer that was cleared or replaced
 };
 
 /// Buffer settings of an input pin.
@@ -75,6 +77,7 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     void countPushed() noexcept { increment(pushed_); }
     void countTaken() noexcept { increment(taken_); }
     void countOverwritten() noexcept { increment(overwritten_); }
+    void countCleared(std::uint64_t count) noexcept { increment(cleared_, count); }
 
  private:
     /// Gives a setting that the buffer depends on another value, if the buffer can be made.
@@ -82,8 +85,8 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     void rebuildWith(Setting& setting, const Setting& value);
 
     // One thread at a time writes each counter, so that plain stores are enough.
-    static void increment(std::atomic<std::uint64_t>& counter) noexcept {
-        counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    static void increment(std::atomic<std::uint64_t>& counter, std::uint64_t by = 1) noexcept {
+        counter.store(counter.load(std::memory_order_relaxed) + by, std::memory_order_relaxed);
     }
 
     BufferSettings settings_;
@@ -94,6 +97,7 @@ class QUORIL_CORE_API AbstractInputPin : public virtual Pin {
     std::atomic<std::uint64_t> pushed_{0};
     std::atomic<std::uint64_t> taken_{0};
     std::atomic<std::uint64_t> overwritten_{0};
+    std::atomic<std::uint64_t> cleared_{0};
     std::atomic<std::uint64_t> published_{0};
     std::uint64_t seen_ = 0;
 };

@@ -31,7 +31,7 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
     void clear() override {
         lastSample_ = nullptr;
         lastTime_ = 0.0;
-        strategy_->clear();
+        clearBuffer();
     }
 
     void rebuildBufferStrategy() override { rebuild(); }
@@ -131,11 +131,16 @@ class QUORIL_TEMPLATE_API InputPinBase : public AbstractInputPin {
         const BufferFamily family = chooseFamily();
         // Made before the present one goes, which stays in use when memory runs out.
         Strategy made = makeBufferStrategy<Sample>(family, getBuffer(), getSynchronizer());
-        if (strategy_) strategy_->clear();
+        if (strategy_) clearBuffer();
         strategy_ = std::move(made);
         canWait_ = family == BufferFamily::kSynchronized;
         handsOutForeignSample_ = family == BufferFamily::kSimple && getBuffer().size == 1;
         InputPinBase::clear();
+    }
+
+    void clearBuffer() {
+        countCleared(strategy_->size());
+        strategy_->clear();
     }
 
     bool pop(const Sample*& sample) {

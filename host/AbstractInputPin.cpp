@@ -74,7 +74,8 @@ void AbstractInputPin::rebuildWith(Setting& setting, const Setting& value) {
 PinCounters AbstractInputPin::getCounters() const noexcept {
     return {.pushed = pushed_.load(std::memory_order_relaxed),
             .taken = taken_.load(std::memory_order_relaxed),
-            .overwritten = overwritten_.load(std::memory_order_relaxed)};
+            .overwritten = overwritten_.load(std::memory_order_relaxed),
+            .cleared = cleared_.load(std::memory_order_relaxed)};
 }
 
 void AbstractInputPin::storeConnection(AbstractOutputPin* outputPin, bool isDirect) noexcept {

@@ -3,22 +3,28 @@
 #include "filters/common/ColumnTypeChoice.hpp"
 #include "filters/common/Numbers.hpp"
 
-#include <algorithm>
-
 #include <Poco/Exception.h>
 
 namespace Filters {
 
-const MatrixSample* takeNewest(MatrixInputPin& pin) {
+bool takeNewest(MatrixInputPin& pin, Eigen::MatrixXd& newest) {
     const bool isLifo = pin.getBuffer().isLifo;
-    const MatrixSample* newest = pin.take();
+    const MatrixSample* sample = pin.take();
     // Counted beforehand: asking an empty buffer could wait, and a fast writer would never let the
     // loop end.
-    const unsigned waiting = pin.getWaitingCount();
-    for (unsigned left = isLifo ? std::min(waiting, 1U) : waiting; left > 0 && pin.fetch(); --left)
-        newest = pin.take();
-    if (isLifo) pin.getStrategy().clear();
-    return newest;
+    unsigned left = pin.getWaitingCount();
+    while (left > 0 && pin.fetch()) {
+        sample = pin.take();
+        --left;
+        if (isLifo) break;
+    }
+    if (sample == nullptr) return false;
+    newest = sample->value;
+    // The older samples of a LIFO are taken too, rather than cleared: clearing while the writer
+    // pushes would lose samples that no counter knows of.
+    for (; left > 0 && pin.fetch(); --left)
+        pin.take();
+    return true;
 }
 
 void addCalibRecord(SensorFile::SensorFileConfig& config, const std::string& name,
@@ -65,8 +71,7 @@ void CalibInputs::addRecords(SensorFile::SensorFileConfig& config, const char* b
 }
 
 const Eigen::MatrixXd& CalibInputs::newestMatrix(std::size_t index) {
-    if (const MatrixSample* sample = takeNewest(pins_[index].getPin()))
-        remembered_[index] = sample->value;
+    (void)takeNewest(pins_[index].getPin(), remembered_[index]);
     return remembered_[index];
 }
 

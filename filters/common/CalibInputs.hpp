@@ -11,9 +11,9 @@
 
 namespace Filters {
 
-/// The newest sample that a pin holds; older ones are dropped. Null when there is none. The sample
-/// stays valid until the pin's next fetch. Never waits.
-[[nodiscard]] const MatrixSample* takeNewest(MatrixInputPin& pin);
+/// Takes all samples that a pin holds and copies the newest one's matrix; false, and the matrix
+/// untouched, when there is none. Never waits.
+[[nodiscard]] bool takeNewest(MatrixInputPin& pin, Eigen::MatrixXd& newest);
 
 /// Adds a calibration record to a configuration.
 /// @param typePosition  in calibTypeChoices(): 0 keeps the doubles, 1 truncates them toward zero

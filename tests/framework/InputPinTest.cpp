@@ -170,6 +170,24 @@ TEST_F(InputPinTest, CountsGoOnAcrossBuffers) {
     EXPECT_EQ(input.getCounters().overwritten, 2U);
 }
 
+TEST_F(InputPinTest, CountsWhatIsForgottenWithItsBuffer) {
+    const auto cleared = [this] { return input.getCounters().cleared; };
+    input.setBuffer({4, false});
+    for (const double number : {1, 2, 3})
+        write(output, number);
+    ASSERT_TRUE(input.fetch());  // counts as taken, whatever becomes of it
+    input.setBuffer({2, true});
+    EXPECT_EQ(cleared(), 2U);
+    write(output, 4);
+    input.clear();
+    EXPECT_EQ(cleared(), 3U);
+    write(output, 5);
+    output.detach(input, false);
+    EXPECT_EQ(cleared(), 4U);
+    const PinCounters counters = input.getCounters();
+    EXPECT_EQ(counters.pushed, counters.taken + counters.overwritten + counters.cleared);
+}
+
 TEST_F(InputPinTest, TypeNameTellsTheTypeOfSamples) {
     const InputPin<double> numbers("numbers", &sink);
     EXPECT_EQ(input.getDataTypeName(), output.getDataTypeName());

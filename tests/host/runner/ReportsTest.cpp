@@ -19,7 +19,10 @@ using namespace std::chrono_literals;
 
 Core::PinReport makeReport(const std::string& pin, std::uint64_t pushed, std::uint64_t overwritten,
                            unsigned bufferSize) {
-    return {"rec", pin, "imu.acc", {pushed, pushed - overwritten, overwritten}, 0, bufferSize};
+    return {
+        "rec",     pin,
+        "imu.acc", {.pushed = pushed, .taken = pushed - overwritten, .overwritten = overwritten},
+        0,         bufferSize};
 }
 
 TEST(Summary, CountsLossesOfBuffersThatKeepMoreThanTheNewest) {
@@ -35,6 +38,17 @@ TEST(Summary, IsATable) {
         "imu.acc -> rec.input#1              600         600            0        0\n"
         "imu.acc -> rec.calibInput#1           2           1            1        0\n");
     EXPECT_EQ(makeSummary({}), "no pin is connected\n");
+}
+
+TEST(Summary, TellsWhatWasClearedIfAnythingWas) {
+    Core::PinReport changed = makeReport("b", 9, 0, 256);
+    changed.counters.taken = 4;
+    changed.counters.cleared = 5;
+    EXPECT_EQ(makeSummary({makeReport("a", 9, 0, 256), changed}),
+              "connection            pushed       taken  overwritten  waiting  cleared\n"
+              "imu.acc -> rec.a           9           9            0        0        0\n"
+              "imu.acc -> rec.b           9           4            0        0        5\n");
+    EXPECT_EQ(countLost({changed}), 5U);
 }
 
 TEST(Progress, TellsTimeRowsAndRate) {
