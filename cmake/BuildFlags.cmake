@@ -9,6 +9,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_GRE
   # This version takes "a" + std::string(...) for overlapping copies when it optimises fully.
   target_compile_options(quoril_warnings INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  # This compiler counts changes of signedness as conversions.
+  target_compile_options(quoril_warnings INTERFACE -Wno-sign-conversion)
+endif()
 
 add_library(quoril_flags INTERFACE)
 if(QUORIL_SANITIZE)
