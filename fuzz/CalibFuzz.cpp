@@ -183,6 +183,14 @@ SensorFileConfig calibOf(const SensorFileConfig& config) {
     return calib;
 }
 
+/// Binary records cut long names of text files; the section's size counts what they were before.
+SensorFileConfig withCutNames(const SensorFileConfig& calib) {
+    const auto again = Fuzz::parseSections(
+        Fuzz::sectionOf(calib, /*binary=*/true, Fuzz::Section::kCalib), /*binary=*/true);
+    Fuzz::require(again.has_value(), "what was written from text is refused");
+    return *again;
+}
+
 void tryBothEncodings(SensorFileConfig calib, bool isBinary) {
     const std::uint16_t version = calib.getCalibVersion();
     const bool canBeBinary = canBeWrittenAsBinary(calib);
@@ -192,8 +200,9 @@ void tryBothEncodings(SensorFileConfig calib, bool isBinary) {
         version != SensorFile::kCodedCalibVersion)
         writeAndReadAgain(calib, /*binary=*/true, /*isExact=*/true);
     calib.setCalibVersion(SensorFile::kDefaultCalibVersion);
-    // Binary records cut long names of text files.
-    if (canBeBinary) writeAndReadAgain(calib, /*binary=*/true, /*isExact=*/isBinary);
+    if (canBeBinary)
+        writeAndReadAgain(isBinary ? calib : withCutNames(calib), /*binary=*/true,
+                          /*isExact=*/true);
     if (canBeWrittenAsText(calib)) writeAndReadAgain(calib, /*binary=*/false, /*isExact=*/false);
 }
 

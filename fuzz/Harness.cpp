@@ -43,10 +43,6 @@ void fail(std::string_view text) {
     std::abort();
 }
 
-bool isSame(double a, double b) {
-    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (a != a && b != b);
-}
-
 std::string scratchPath(const std::string& name) {
     static const ScratchFolder folder;
     return (folder.getPath() / name).string();

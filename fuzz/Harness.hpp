@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -18,7 +19,9 @@ inline void require(bool holds, std::string_view text) {
 }
 
 /// True if both are NaN, or have the same bits: what "the same value" means in every harness.
-[[nodiscard]] bool isSame(double a, double b);
+[[nodiscard]] inline bool isSame(double a, double b) {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (a != a && b != b);
+}
 
 /// The path of a file of that name in a folder of this process, which is removed at its end. It
 /// lies in memory where the system offers such a folder, since harnesses run thousands of inputs a

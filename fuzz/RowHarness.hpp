@@ -23,7 +23,8 @@ std::vector<int> chooseTypes(Input& input);
 /// The reader stands at the first row, there and in the end.
 void requireRows(SensorFile::SensorFileReader& reader, const std::vector<Row>& expected);
 
-/// Writes the rows and reads them again, twice; the files have to be equal to the byte.
+/// Writes the rows and reads them again; if they come back otherwise, as text of few decimals makes
+/// them, they are written once more, to the same bytes.
 /// @return the rows that were read
 std::vector<Row> writeAndReadAgain(const SensorFile::SensorFileConfig& config, bool binary,
                                    const std::vector<Row>& rows);

@@ -4,6 +4,7 @@
 #include "sensorfile/SensorFileConfig.hpp"
 #include "sensorfile/ValueCast.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -48,9 +49,11 @@ void putDate(std::string& out, const Poco::DateTime& date) {
     putByte(out, date.second());
 }
 
+/// As far as readers take it: to the first NUL, which names from text files may hold.
 void putName(std::string& out, const std::string& name) {
-    out.append(name, 0, kNameSize);
-    if (name.size() < kNameSize) out.append(kNameSize - name.size(), '\0');
+    const std::size_t size = std::min(name.find('\0'), kNameSize);
+    out.append(name, 0, size);
+    out.append(kNameSize - std::min(size, name.size()), '\0');
 }
 
 /// Values in storage order. Bare values have no type in front and are always doubles.

@@ -121,9 +121,12 @@ T SensorFileReader::extractText() {
     T value{};
     stream_ >> std::ws;
     const bool isNegative = stream_.good() && stream_.rdbuf()->sgetc() == '-';
+    const std::int64_t wordStart = position() + (isNegative ? 1 : 0);
     stream_ >> value;
     if constexpr (std::is_floating_point_v<T>) {
-        if (stream_.fail() && !stream_.eof()) value = static_cast<T>(extractNonFinite(isNegative));
+        // Stopped elsewhere, it is the beginning of a number: "1e+nan" is none.
+        const bool isWord = stream_.fail() && !stream_.eof() && position() == wordStart;
+        if (isWord) value = static_cast<T>(extractNonFinite(isNegative));
     }
     if (!stream_.fail()) return value;
     stream_.setstate(std::ios::eofbit);

@@ -101,6 +101,11 @@ TEST(BinaryHeaderTest, NamesKeepThirtyTwoCharacters) {
     EXPECT_EQ(read.getColumn(1).getName(), std::string(32, 'm'));
 }
 
+TEST(BinaryHeaderTest, NamesEndAtTheirFirstNul) {
+    const SensorFileConfig config = configOf({{std::string("AC\0CX", 5), kInt16}});
+    EXPECT_EQ(headerBytes(config).substr(42), nameField("AC"));
+}
+
 TEST(BinaryHeaderTest, BytesBehindTheNulOfANameAreNotRead) {
     std::string section = headerBytes(configOf({{"ab", 9}}));
     section[section.size() - 29] = 'z';

@@ -167,6 +167,14 @@ TEST_F(ReaderTest, NumbersThatAreNotFiniteReadBack) {
     EXPECT_FALSE(reader.isEof());
 }
 
+TEST_F(ReaderTest, OnlyAWholeWordIsNotFinite) {
+    // A stream stops at the word, having taken what could begin a number.
+    for (const char* text : {"1e+nan\t\n", ".nan\t\n", "-1einf\t\n", "+inf\t\n", "-.inf\t\n"}) {
+        openText({9}, text);
+        EXPECT_EQ(rows(), (Rows{})) << text;
+    }
+}
+
 TEST_F(ReaderTest, TextThatIsNoNumberEndsTheLoop) {
     for (const char* text :
          {"x\t2\t\n", "1,5\t2\t\n", "-\t1\t\n", "-x1\t1\t\n", "xyz\t\n", "--inf\t1\t\n", "infinite",

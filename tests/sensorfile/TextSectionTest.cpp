@@ -343,6 +343,15 @@ TEST(TextCalibTest, AFormatNumberBeyondSixteenBitsIsRefused) {
         65535);
 }
 
+TEST(TextCalibTest, AMatrixWithoutValuesKeepsItsSize) {
+    const SensorFileConfig read =
+        readText(kCalibOpening + "a b 1/2/2017 1:2:3 a b 2 a b c d 2\t\n" +
+                 "G\tdouble\t(255, 0)\t\nO\tint32\t(0, 255)\t\n");
+    ASSERT_EQ(read.getCalibCount(), 2U);
+    EXPECT_EQ(read.getCalibData(0).rows(), 255U);
+    EXPECT_EQ(read.getCalibData(1).cols(), 255U);
+}
+
 TEST(TextCalibTest, WhatCannotBeUnderstoodIsNamed) {
     const std::string start = kCalibOpening + "a b 1/2/2017 1:2:3 a b 2 a b c d ";
     const std::pair<const char*, const char*> cases[] = {
@@ -360,6 +369,10 @@ TEST(TextCalibTest, WhatCannotBeUnderstoodIsNamed) {
         {"1\t\nG\tdouble\t(4294967296, 0)", "a matrix has an impossible size"},
         {"1\t\nG\tdouble\t(0, 4294967296)", "a matrix has an impossible size"},
         {"1\t\nG\tdouble\t(65536, 65536)", "a matrix has an impossible size"},
+        // Written again, its rows would take two gigabytes.
+        {"1\t\nG\tdouble\t(2147483647, 0)", "a matrix has an impossible size"},
+        {"1\t\nG\tint32\t(256, 0)", "a matrix has an impossible size"},
+        {"1\t\nG\tint32\t(0, 256)", "a matrix has an impossible size"},
         {"1\t\nG\tdouble\t(30000, 30000)\t\n1\t", "no number for a calibration value"},
         {"1\t\nG\tint32\t(1, 1)\t\n2147483648\t", "no number for a calibration value"},
         {"1\t\nG\tint32\t(1, 1)\t\n3.7\t", "no number for a calibration value"},
