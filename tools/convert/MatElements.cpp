@@ -103,7 +103,7 @@ std::string tag(std::uint32_t type, std::uint64_t size) {
 
 std::string element(std::uint32_t type, std::string bytes) {
     const std::string head = tag(type, bytes.size());
-    bytes.resize(aligned(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(aligned(bytes.size())));
     return head + bytes;
 }
 
