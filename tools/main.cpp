@@ -24,8 +24,9 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
     Platform::prepareStandardStreams();
-    SensorFileTool::Console console{std::cin, std::cout, std::cerr,
-                                    Platform::isOutputTerminal() && isColorWanted(),
-                                    Platform::isErrorTerminal()};
+    const bool isTerminal = Platform::isOutputTerminal();
+    SensorFileTool::Console console{
+        std::cin,  std::cout, std::cerr, isTerminal && isColorWanted(), Platform::isErrorTerminal(),
+        isTerminal};
     return SensorFileTool::runProgram(argc, argv, console);
 }

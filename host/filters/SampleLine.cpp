@@ -1,5 +1,7 @@
 #include "host/filters/SampleLine.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -30,7 +32,7 @@ void appendNumber(std::string& text, double value) {
 
 std::string toJsonString(std::string_view text) {
     constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
-    return nlohmann::json(std::string(text)).dump(-1, ' ', false, kReplace);
+    return Texts::toVisibleJson(nlohmann::json(std::string(text)).dump(-1, ' ', false, kReplace));
 }
 
 void appendSampleLine(std::string& text, std::string_view members,

@@ -5,6 +5,7 @@
 #include "host/runner/FlowBuilder.hpp"
 #include "host/runner/FlowFile.hpp"
 #include "host/runner/Session.hpp"
+#include "text/VisibleText.hpp"
 
 #include <ostream>
 
@@ -14,7 +15,7 @@ namespace Quoril::Runner {
 
 namespace {
 int tell(const Problems& problems, Console& console) {
-    if (!problems.getList().empty()) console.error(problems.toText());
+    if (!problems.getList().empty()) console.errorLines(problems.toText());
     return problems.getExitCode();
 }
 
@@ -31,7 +32,7 @@ int checkFlow(const FlowOptions& options, std::ostream& output, Console& console
     prepareFlow(model, session, builder, problems);
     const int code = tell(problems, console);
     if (code == 0)
-        output << fmt::format("{}: good, {}, {}\n", options.path,
+        output << fmt::format("{}: good, {}, {}\n", Texts::toVisible(options.path),
                               count(model.filters.size(), "filter"),
                               count(model.connections.size(), "connection"));
     return code;

@@ -9,8 +9,11 @@
 #include "host/runner/NumberText.hpp"
 #include "host/runner/RunCommand.hpp"
 #include "host/runner/TimeText.hpp"
+#include "text/VisibleText.hpp"
 
+#include <cerrno>
 #include <ostream>
+#include <sstream>
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -147,11 +150,17 @@ int runProgram(int argc, const char* const* argv, std::ostream& output, std::ost
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return line.app.exit(error, output, errors) == 0 ? kExitDone : kExitWrongInput;
+        std::ostringstream complaint;
+        const int code = line.app.exit(error, output, complaint);
+        errors << Texts::toVisibleLines(complaint.str());
+        return code == 0 ? kExitDone : kExitWrongInput;
     }
     try {
         const int code = callCommand(line, output, console);
+        errno = 0;
         if (output.flush()) return code;
+        // Whoever closes a pipe early, as head does, has got what was wanted.
+        if (errno == EPIPE) return code;
         console.error("quoril: the standard output cannot be written");
     } catch (const Poco::Exception& error) {
         console.error("quoril: " + describeException(error));

@@ -1,6 +1,9 @@
 #include "host/runner/Console.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <ostream>
+#include <string_view>
 
 namespace Quoril::Runner {
 
@@ -10,8 +13,9 @@ constexpr const char* kEraseLine = "\r\x1b[K";
 }  // namespace
 
 void Console::error(const std::string& line) {
+    const std::string_view end = line.ends_with('\n') ? "\n" : "";
     const std::lock_guard lock(mutex_);
-    write(line);
+    write(Texts::toVisible(std::string_view(line).substr(0, line.size() - end.size())));
 }
 
 void Console::info(const std::string& line) {
@@ -20,6 +24,15 @@ void Console::info(const std::string& line) {
 
 void Console::detail(const std::string& line) {
     if (verbosity_ == Verbosity::kVerbose) error(line);
+}
+
+void Console::errorLines(const std::string& lines) {
+    const std::lock_guard lock(mutex_);
+    write(Texts::toVisibleLines(lines));
+}
+
+void Console::infoLines(const std::string& lines) {
+    if (verbosity_ != Verbosity::kQuiet) errorLines(lines);
 }
 
 void Console::progress(const std::string& line) {

@@ -18,12 +18,16 @@ class Console {
     void setVerbosity(Verbosity verbosity) noexcept { verbosity_ = verbosity; }
     [[nodiscard]] bool getIsTerminal() const noexcept { return isTerminal_; }
 
-    /// Always written.
+    /// Always written, with or without an end of line at its end. Whatever else would end the line
+    /// or steer the terminal is shown as a number.
     void error(const std::string& line);
     /// Left out when quiet.
     void info(const std::string& line);
     /// Only written when verbose.
     void detail(const std::string& line);
+    /// Several lines: as error() and info(), but ends of lines stay.
+    void errorLines(const std::string& lines);
+    void infoLines(const std::string& lines);
     void progress(const std::string& line);
     /// Ends the progress line, so that it stays.
     void endProgress();

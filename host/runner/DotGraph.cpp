@@ -1,5 +1,7 @@
 #include "host/runner/DotGraph.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
@@ -7,9 +9,9 @@ namespace Quoril::Runner {
 namespace {
 std::string quote(const std::string& text) {
     std::string quoted = "\"";
-    for (const char c : text) {
+    for (const char c : Texts::toVisible(text)) {
         if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c == '\n' ? ' ' : c;
+        quoted += c;
     }
     return quoted + '"';
 }

@@ -7,6 +7,7 @@
 #include "framework/FlowManager.hpp"
 #include "framework/PluginManager.hpp"
 #include "host/runner/JsonText.hpp"
+#include "text/VisibleText.hpp"
 
 #include <algorithm>
 
@@ -80,11 +81,11 @@ std::string toText(const FilterReport& report) {
     std::string text = fmt::format("{} (plug-in {})\n", report.className, report.plugin);
     text += "\ninput pins:\n";
     for (const FilterReport::Input& input : report.inputs)
-        text += fmt::format("  {}\n", input.name);
+        text += fmt::format("  {}\n", Texts::toVisible(input.name));
     if (report.inputs.empty()) text += "  none\n";
     text += "\noutput pins:\n";
     for (const std::string& output : report.outputs)
-        text += fmt::format("  {}\n", output);
+        text += fmt::format("  {}\n", Texts::toVisible(output));
     if (report.outputs.empty()) text += "  none\n";
     text += "\nproperties:\n";
     const std::size_t width = longestName(report);
@@ -93,7 +94,7 @@ std::string toText(const FilterReport& report) {
                                        toText(property.kind), quoteDefault(property));
         for (const std::string& more : {describeRange(property), describeWritability(property)})
             if (!more.empty()) line += "  [" + more + "]";
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+        text += Texts::toVisible(line.substr(0, line.find_last_not_of(' ') + 1)) + "\n";
     }
     return text;
 }

@@ -90,7 +90,7 @@ int inspect(const InspectOptions& options, std::ostream& output, Console& consol
         else
             inspectClass(options, output, problems);
     }
-    if (!problems.getList().empty()) console.error(problems.toText());
+    if (!problems.getList().empty()) console.errorLines(problems.toText());
     return problems.getExitCode();
 }
 

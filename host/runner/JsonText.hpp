@@ -1,14 +1,18 @@
 #pragma once
 
+#include "text/VisibleText.hpp"
+
 #include <string>
 
 #include <nlohmann/json.hpp>
 
 namespace Quoril::Runner {
 
-/// Two blanks a level, a line end at the end; bytes that are not UTF-8 are replaced.
+/// Two blanks a level, a line end at the end; bytes that are not UTF-8 are replaced, and
+/// what would steer a terminal is escaped.
 [[nodiscard]] inline std::string dumpJson(const nlohmann::ordered_json& json) {
-    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
+    return Texts::toVisibleJson(json.dump(2, ' ', false, kReplace)) + "\n";
 }
 
 }  // namespace Quoril::Runner

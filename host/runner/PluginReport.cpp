@@ -4,6 +4,7 @@
 #include "framework/Plugin.hpp"
 #include "framework/PluginManager.hpp"
 #include "host/runner/JsonText.hpp"
+#include "text/VisibleText.hpp"
 
 #include <utility>
 
@@ -49,9 +50,10 @@ std::vector<PluginReport> makePluginReports(const Core::PluginManager& plugins) 
 std::string toText(const std::vector<PluginReport>& reports) {
     std::string text;
     for (const PluginReport& report : reports) {
-        text += fmt::format("{}{}\n", text.empty() ? "" : "\n", report.name);
+        text += fmt::format("{}{}\n", text.empty() ? "" : "\n", Texts::toVisible(report.name));
         for (const auto& [name, value] : listFields(report.metaData))
-            if (!value->empty()) text += fmt::format("  {:<13} {}\n", name, *value);
+            if (!value->empty())
+                text += fmt::format("  {:<13} {}\n", name, Texts::toVisible(*value));
         for (const std::string& className : report.filterClasses)
             text += fmt::format("  {:<13} {}\n", "filter", className);
     }

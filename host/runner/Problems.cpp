@@ -1,5 +1,7 @@
 #include "host/runner/Problems.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <algorithm>
 #include <tuple>
 
@@ -13,7 +15,9 @@ constexpr std::size_t kMostLines = 50;
 std::string toLine(const Problem& problem) {
     const char* prefix = problem.severity == Severity::kWarning ? "warning: " : "";
     const std::string place = problem.place.toText();
-    return fmt::format("{}{}{}{}\n", place, place.empty() ? "" : ": ", prefix, problem.text);
+    return Texts::toVisible(
+               fmt::format("{}{}{}{}", place, place.empty() ? "" : ": ", prefix, problem.text)) +
+           '\n';
 }
 }  // namespace
 

@@ -46,8 +46,8 @@ class Problems {
     [[nodiscard]] bool hasErrors() const noexcept;
     /// 2 if an input is wrong, else 1 if something failed, else 0.
     [[nodiscard]] int getExitCode() const noexcept;
-    /// One line each ("place: text", warnings as "place: warning: text"), by source and place;
-    /// after the first 50 only their number.
+    /// One visible line each ("place: text", warnings as "place: warning: text"), by source and
+    /// place; after the first 50 only their number.
     [[nodiscard]] std::string toText() const;
     [[nodiscard]] const std::vector<Problem>& getList() const noexcept { return list_; }
     void clear() noexcept { list_.clear(); }

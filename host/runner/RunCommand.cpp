@@ -35,7 +35,7 @@ constexpr nanoseconds kProgressPeriodElsewhere = std::chrono::seconds(1);
 
 /// Writes the problems and forgets them.
 void tell(Problems& problems, Console& console) {
-    if (!problems.getList().empty()) console.error(problems.toText());
+    if (!problems.getList().empty()) console.errorLines(problems.toText());
     problems.clear();
 }
 
@@ -169,7 +169,7 @@ class Run {
         const std::vector<Core::PinReport> reports = flow_.getPinReports();
         if (options_.showsProgress) console_.progress(progress_.makeLine(end_, reports));
         console_.endProgress();
-        console_.info(makeSummary(reports));
+        console_.infoLines(makeSummary(reports));
     }
 
     void prepareAction(const std::string& text) {

@@ -1,5 +1,7 @@
 #include "host/runner/Summary.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <algorithm>
 
 #include <fmt/format.h>
@@ -8,7 +10,7 @@ namespace Quoril::Runner {
 
 namespace {
 std::string nameConnection(const Core::PinReport& report) {
-    return report.source + " -> " + report.filter + "." + report.pin;
+    return Texts::toVisible(report.source + " -> " + report.filter + "." + report.pin);
 }
 }  // namespace
 

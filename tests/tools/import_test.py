@@ -317,7 +317,7 @@ class Refusing(ImportTest):
                  'a,b\n1,"2\n3,4\n'),
                 ("line 3: column 1 (a): '%s...' is no number" % ("x" * 40),
                  "a,b\n1,2\n%s,4\n" % ("x" * 41)),
-                ("line 3: column 1 (a): 'a [31m b' is no number", "a,b\n1,2\na\x1b[31m\x01b,4\n"),
+                (r"line 3: column 1 (a): 'a\x1b[31m\x01b' is no number", "a,b\n1,2\na\x1b[31m\x01b,4\n"),
                 ("line 3: column 2 (c0): '[1]' is no list of 2", 'a,c\n1,"[1,2]"\n1,"[1]"\n'),
                 ("line 3: column 1 (a): '1e999' does not fit DOUBLE", "a\n0.5\n1e999\n"),
                 ("no column holds numbers: a: line 2: 'x' is no number", "a,b\nx,y\n"),

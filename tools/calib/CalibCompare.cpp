@@ -1,5 +1,6 @@
 #include "tools/calib/CalibCompare.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/Json.hpp"
 
 #include <cmath>
@@ -71,7 +72,7 @@ CalibDifferences compareCalib(const CalibSource& one, const CalibSource& other, 
 std::string differencesToText(const CalibDifferences& differences) {
     std::string text;
     for (const CalibDifference& difference : differences.records)
-        text += fmt::format("{}: {}\n", difference.name, difference.what);
+        text += fmt::format("{}: {}\n", Texts::toVisible(difference.name), difference.what);
     return text;
 }
 

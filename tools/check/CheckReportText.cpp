@@ -1,5 +1,6 @@
 #include "tools/check/CheckReportText.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/Json.hpp"
 
 #include <fmt/format.h>
@@ -34,7 +35,7 @@ std::string lineOf(const Console& console, const Defect& defect) {
     return fmt::format(
         "  {} {:<16} {}: {}\n",
         kind.severity == Severity::kError ? paint(console, Color::kBad, severity) : severity,
-        kind.name, place, defect.message);
+        kind.name, Texts::toVisible(place), Texts::toVisible(defect.message));
 }
 
 /// What is not shown.
@@ -89,8 +90,9 @@ std::string countDefects(const DefectList& defects) {
 std::string checkReportToText(const Console& console, const CheckReport& report) {
     const std::string counts = countDefects(report.defects);
     const std::string verdict = isClean(report) ? paint(console, Color::kGood, "clean") : counts;
-    std::string text = fmt::format("{}: {}, {}{}\n", report.name, verdict, sizeOf(report),
-                                   isClean(report) && !counts.empty() ? ", " + counts : "");
+    std::string text =
+        fmt::format("{}: {}, {}{}\n", Texts::toVisible(report.name), verdict, sizeOf(report),
+                    isClean(report) && !counts.empty() ? ", " + counts : "");
     for (const Defect& defect : report.defects.getKept())
         text += lineOf(console, defect);
     return text + restOf(report.defects);

@@ -1,5 +1,6 @@
 #include "tools/check/RecoverReport.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/check/CheckReportText.hpp"
 #include "tools/common/Json.hpp"
 
@@ -24,7 +25,7 @@ std::string describe(const Place& place) {
 std::string lineOf(const Dropped& dropped) {
     const std::string rows = dropped.rows > 0 ? fmt::format("{} row(s), ", dropped.rows) : "";
     return fmt::format("  dropped {:<16} {}{} bytes, {}: {}\n", kindOf(dropped.code).name, rows,
-                       dropped.bytes, describe(dropped.first), dropped.message);
+                       dropped.bytes, describe(dropped.first), Texts::toVisible(dropped.message));
 }
 
 std::string lineOf(const Mended& mended) {
@@ -66,7 +67,7 @@ Json mendedToJson(const Recovery& recovery) {
 }  // namespace
 
 std::string recoveryToText(const Console& console, const Recovery& recovery) {
-    std::string text = recovery.before.name + ": ";
+    std::string text = Texts::toVisible(recovery.before.name) + ": ";
     if (recovery.isWhole) {
         text += "whole, copied as it is\n";
     } else if (recovery.before.kind == "calibration") {

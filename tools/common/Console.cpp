@@ -1,5 +1,7 @@
 #include "tools/common/Console.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <ostream>
 
 namespace SensorFileTool {
@@ -25,7 +27,7 @@ std::string paint(const Console& console, Color color, const std::string& text) 
 }
 
 void tellError(const Console& console, const std::string& text) {
-    console.errors << "sensorfile: " << text << '\n';
+    console.errors << "sensorfile: " << Texts::toVisible(text) << '\n';
 }
 
 }  // namespace SensorFileTool

@@ -23,8 +23,10 @@ InputFile::InputFile(const std::string& path) : name_(path), path_(path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (status.type() == fs::file_type::not_found) throw Poco::FileNotFoundException(path);
+    if (error) throw Poco::OpenFileException(path + ": " + error.message());
     if (fs::is_directory(status)) throw Poco::ReadFileException(path + " is a folder");
-    if (error || fs::is_regular_file(status)) return;  // whoever opens it tells what is wrong
+    if (fs::is_socket(status)) throw Poco::ReadFileException(path + " is a socket");
+    if (fs::is_regular_file(status)) return;
     Poco::FileInputStream pipe(path, std::ios::in);
     copy(pipe);
 }

@@ -9,12 +9,12 @@
 
 namespace SensorFileTool {
 
-/// A file to be read. What is no regular file, as a
-/// pipe, is copied into a temporary file first, since files are looked at more than once.
+/// A file to be read. What is no regular file, as a pipe, is copied into a temporary file first,
+/// since files are looked at more than once.
 class InputFile {
  public:
-    /// @throws Poco::FileException (or one derived) naming the path, if nothing or a folder is
-    ///         there or what is no regular file cannot be copied
+    /// @throws Poco::FileException (or one derived) naming the path, if nothing, a folder or a
+    ///         socket is there or what is no regular file cannot be copied
     explicit InputFile(const std::string& path);
     /// @throws Poco::FileException (or one derived) if it cannot be copied
     explicit InputFile(std::istream& standardInput);

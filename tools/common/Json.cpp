@@ -1,5 +1,7 @@
 #include "tools/common/Json.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <cmath>
 
 namespace SensorFileTool {
@@ -23,7 +25,7 @@ Json jsonInteger(std::uint64_t value) {
 }
 
 std::string jsonLine(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+    return Texts::toVisibleJson(json.dump(-1, ' ', false, Json::error_handler_t::replace)) + '\n';
 }
 
 }  // namespace SensorFileTool

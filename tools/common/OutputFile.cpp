@@ -1,9 +1,11 @@
 #include "tools/common/OutputFile.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/OutputCheck.hpp"
 
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <system_error>
 
 #include <Poco/File.h>
@@ -17,8 +19,24 @@ namespace {
 
 constexpr std::size_t kCopyBlock = std::size_t{256} * 1024;
 
+/// What a file holds must not steer the terminal.
+void copyVisibly(std::istream& source, std::ostream& target) {
+    std::string line;
+    while (std::getline(source, line) && target)
+        target << Texts::toVisibleLines(line) << (source.eof() ? "" : "\n");
+}
+
 [[noreturn]] void refuseOverwriting(const std::string& name) {
     throw Poco::ExistsException(name + " is there already; --force overwrites it");
+}
+
+/// Where a file would be made through symbolic links that lead to nothing.
+fs::path followLinks(fs::path path) {
+    constexpr int kMostLinks = 40;  // as many as the system follows
+    std::error_code error;
+    for (int i = 0; i < kMostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++i)
+        path = path.parent_path() / fs::read_symlink(path, error);
+    return path;
 }
 
 /// @throws if no file can be put there
@@ -34,26 +52,32 @@ void requireFolder(const std::string& name, const fs::path& target) {
 
 OutputFile::OutputFile(const Console& console, const std::string& name, bool canOverwrite)
     : console_(console), name_(name), target_(name), canOverwrite_(canOverwrite) {
-    std::error_code error;
-    const fs::file_status status = fs::status(name, error);
     if (name == "-") {
         name_ = "standard output";
         target_.clear();
         isCopied_ = true;
-    } else if (fs::is_directory(status)) {
-        throw Poco::WriteFileException(name + " is a folder");
-    } else if (fs::is_regular_file(status)) {
-        if (!canOverwrite) refuseOverwriting(name);
-        target_ = fs::canonical(name).string();
-    } else if (fs::exists(status)) {
-        isCopied_ = true;
     } else {
-        if (name.empty()) throw Poco::FileNotFoundException("''");
-        requireFolder(name, name);
+        lookAtTarget();
     }
     temporary_ = std::make_unique<TemporaryFile>(
         isCopied_ ? TemporaryFile::Place::kTemporaryFolder : TemporaryFile::Place::kBeside,
         target_);
+}
+
+void OutputFile::lookAtTarget() {
+    if (name_.empty()) throw Poco::FileNotFoundException("''");
+    std::error_code error;
+    const fs::file_status status = fs::status(name_, error);
+    if (!fs::status_known(status))  // a circle of links, a name that is too long
+        throw Poco::CreateFileException(name_ + ": " + error.message());
+    if (fs::is_directory(status)) throw Poco::WriteFileException(name_ + " is a folder");
+    if (fs::is_socket(status)) throw Poco::WriteFileException(name_ + " is a socket");
+    isCopied_ = fs::exists(status) && !fs::is_regular_file(status);
+    if (isCopied_) return;
+    // Also a link to nothing is there already: somebody else may have put it there.
+    if (!canOverwrite_ && fs::exists(fs::symlink_status(name_, error))) refuseOverwriting(name_);
+    target_ = followLinks(name_).string();
+    requireFolder(name_, target_);
 }
 
 std::string OutputFile::withName(std::string message) const {
@@ -84,12 +108,10 @@ void OutputFile::commit() {
 
 void OutputFile::rename() {
     std::error_code error;
+    // It may have come after the first look.
+    if (!canOverwrite_ && fs::exists(fs::symlink_status(target_, error))) refuseOverwriting(name_);
     const fs::file_status old = fs::status(target_, error);
-    if (fs::exists(old)) {
-        // It may have come after the first look.
-        if (!canOverwrite_) refuseOverwriting(name_);
-        fs::permissions(getPath(), old.permissions(), error);
-    }
+    if (fs::exists(old)) fs::permissions(getPath(), old.permissions(), error);
     Poco::File(getPath()).renameTo(target_);
     temporary_->release();
 }
@@ -97,7 +119,10 @@ void OutputFile::rename() {
 void OutputFile::copyTo(std::ostream& target) {
     std::ifstream source(getPath(), std::ios::binary);
     if (!source) throw Poco::OpenFileException(getPath());
-    Poco::StreamCopier::copyStream(source, target, kCopyBlock);
+    if (target_.empty() && console_.isTerminal)
+        copyVisibly(source, target);
+    else
+        Poco::StreamCopier::copyStream(source, target, kCopyBlock);
     target.flush();
 }
 

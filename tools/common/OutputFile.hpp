@@ -12,14 +12,15 @@ namespace SensorFileTool {
 
 /// A file that appears whole or not at all: it is written under a temporary name and renamed by
 /// commit(). Without it, or when the program is interrupted, nothing is left. "-" and what is no
-/// regular file, as a pipe or a device, get the bytes when they are whole.
+/// regular file, as a pipe or a device, get the bytes when they are whole. Through a symbolic link
+/// its target is made or replaced, and the link stays.
 class OutputFile {
  public:
     /// @param name  a path, or "-" for the console's output
     /// @param canOverwrite  whether a file may be there already; it stays until commit()
     /// @throws Poco::ExistsException naming the path and the option that would overwrite it
-    /// @throws Poco::FileException (or one derived) naming the path, if its folder is not there or
-    ///         it is a folder itself
+    /// @throws Poco::FileException (or one derived) naming the path, if its folder is not there, it
+    ///         is a folder or a socket itself, or the system does not take the name
     OutputFile(const Console& console, const std::string& name, bool canOverwrite);
 
     /// For messages: the name as the user gave it, or "standard output".
@@ -46,6 +47,7 @@ class OutputFile {
     void commit();
 
  private:
+    void lookAtTarget();
     [[noreturn]] void rethrowWithName(const Poco::FileException& error) const;
     void rename();
     void copyTo(std::ostream& target);

@@ -1,5 +1,7 @@
 #include "tools/common/Progress.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <algorithm>
 #include <ostream>
 #include <utility>
@@ -17,9 +19,9 @@ constexpr std::uint64_t kPercent = 100;
 
 }  // namespace
 
-Progress::Progress(const Console& console, std::string label, std::uint64_t total)
+Progress::Progress(const Console& console, const std::string& label, std::uint64_t total)
     : console_(console),
-      label_(std::move(label)),
+      label_(Texts::toVisible(label)),
       total_(std::max<std::uint64_t>(total, 1)),
       nextDraw_(std::chrono::steady_clock::now() + kFirstDraw) {}
 

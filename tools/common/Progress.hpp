@@ -14,7 +14,7 @@ class Progress {
  public:
     /// @param label  what is being done, e.g. a path
     /// @param total  amount of the whole work, in any unit
-    Progress(const Console& console, std::string label, std::uint64_t total);
+    Progress(const Console& console, const std::string& label, std::uint64_t total);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress() { clear(); }

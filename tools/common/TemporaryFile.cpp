@@ -18,11 +18,28 @@ namespace {
 // Names are random: after so many that are taken, something else is wrong.
 constexpr int kMaxTries = 100;
 
+/// As much of a name as is at home in any folder together with an end; no character of UTF-8 is cut
+/// in two.
+std::string shorten(const std::string& name) {
+    // Of the 255 bytes that file systems have for a name, some need half for themselves.
+    constexpr std::size_t kMost = 100;
+    constexpr unsigned kContinuationMask = 0xc0;
+    constexpr unsigned kContinuation = 0x80;
+    if (name.size() <= kMost) return name;
+    std::size_t size = kMost;
+    while (size > 0 &&
+           (static_cast<unsigned char>(name[size]) & kContinuationMask) == kContinuation)
+        --size;
+    return name.substr(0, size);
+}
+
 std::string nameOf(TemporaryFile::Place place, const std::string& other) {
     static std::random_device random;
     const std::string end = fmt::format("{:08x}.part", random());
-    if (place == TemporaryFile::Place::kBeside) return other + "." + end;
-    return (fs::temp_directory_path() / ("sensorfile-" + end)).string();
+    if (place == TemporaryFile::Place::kTemporaryFolder)
+        return (fs::temp_directory_path() / ("sensorfile-" + end)).string();
+    const fs::path path(other);
+    return (path.parent_path() / (shorten(path.filename().string()) + "." + end)).string();
 }
 
 }  // namespace

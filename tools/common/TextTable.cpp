@@ -1,5 +1,7 @@
 #include "tools/common/TextTable.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <algorithm>
 #include <utility>
 
@@ -25,6 +27,7 @@ TextTable::TextTable(std::vector<std::string> titles, std::size_t indent) : inde
 }
 
 void TextTable::addRow(std::vector<std::string> cells) {
+    std::transform(cells.begin(), cells.end(), cells.begin(), Texts::toVisible);
     rows_.push_back(std::move(cells));
 }
 

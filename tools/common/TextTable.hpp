@@ -14,7 +14,7 @@ class TextTable {
 
     /// Of the titles.
     [[nodiscard]] std::size_t width() const { return rows_.front().size(); }
-    /// @param cells  as many as there are titles
+    /// @param cells  as many as there are titles; shown as Texts::toVisible tells
     void addRow(std::vector<std::string> cells);
     /// Titles and rows, each with a line end.
     [[nodiscard]] std::string toText() const;

@@ -1,5 +1,6 @@
 #include "tools/convert/Conversion.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/ErrorText.hpp"
 #include "tools/common/ExitCode.hpp"
 #include "tools/common/Progress.hpp"
@@ -131,7 +132,7 @@ int Conversion::tellProblems() {
         console_.errors << fmt::format(
             "{}: {} calibration {} left out, which the format cannot "
             "hold\n",
-            request_.out, records, records == 1 ? "record is" : "records are");
+            Texts::toVisible(request_.out), records, records == 1 ? "record is" : "records are");
     bool hasProblem = false;
     if (changes_.getCount() > 0) {
         tellError(console_, recording_.getName() + ": " + changes_.describe());

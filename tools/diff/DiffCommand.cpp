@@ -95,7 +95,7 @@ class DiffCommand : public Command {
         if (isJson_)
             output << differenceToJson(difference);
         else if (isBrief_ && !difference.isSame())
-            output << difference.nameA << " and " << difference.nameB << " differ\n";
+            output << nameBoth(difference) << " differ\n";
         else if (!difference.isSame())
             output << differenceToText(difference);
     }

@@ -1,5 +1,6 @@
 #include "tools/diff/FileDifference.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/JsonValue.hpp"
 #include "tools/common/TextTable.hpp"
 #include "tools/recording/ValueText.hpp"
@@ -17,7 +18,7 @@ std::string orNone(const std::string& text) {
 }
 
 std::string line(const std::string& label, const std::string& text) {
-    return fmt::format("  {:<13}{}\n", label, text);
+    return fmt::format("  {:<13}{}\n", label, Texts::toVisible(text));
 }
 
 std::string describeFirst(const FirstDifference& first) {
@@ -84,9 +85,13 @@ Json fileOf(const std::string& name, std::uint64_t rows, const Rest& rest) {
 
 }  // namespace
 
+std::string nameBoth(const FileDifference& difference) {
+    return Texts::toVisible(difference.nameA + " and " + difference.nameB);
+}
+
 std::string differenceToText(const FileDifference& difference) {
     const RowDifferences& rows = difference.rows;
-    std::string text = difference.nameA + " and " + difference.nameB + " differ\n";
+    std::string text = nameBoth(difference) + " differ\n";
     for (const PartDifference& part : difference.parts)
         text += line(part.part, part.name + ": " + orNone(part.a) + " | " + orNone(part.b));
     if (rows.rowsA != rows.rowsB)

@@ -25,6 +25,8 @@ struct FileDifference {
 };
 
 /// For a human reader; ends with a line end.
+/// "A and B", visibly.
+[[nodiscard]] std::string nameBoth(const FileDifference& difference);
 [[nodiscard]] std::string differenceToText(const FileDifference& difference);
 /// A JSON object on one line.
 [[nodiscard]] std::string differenceToJson(const FileDifference& difference);

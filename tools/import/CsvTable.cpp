@@ -1,5 +1,7 @@
 #include "tools/import/CsvTable.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <algorithm>
 #include <cctype>
 #include <utility>
@@ -33,7 +35,15 @@ std::string elementName(const std::string& name, std::size_t element) {
 
 std::string shortenText(std::string_view text) {
     constexpr std::size_t kMaxText = 40;
-    return withoutControls(text.substr(0, kMaxText)) + (text.size() > kMaxText ? "..." : "");
+    constexpr unsigned kContinuationMask = 0xc0;
+    constexpr unsigned kContinuation = 0x80;
+    if (text.size() <= kMaxText) return Texts::toVisible(text);
+    // No character of UTF-8 is cut in two.
+    std::size_t size = kMaxText;
+    while (size > 0 &&
+           (static_cast<unsigned char>(text[size]) & kContinuationMask) == kContinuation)
+        --size;
+    return Texts::toVisible(text.substr(0, size)) + "...";
 }
 
 std::string quoteText(std::string_view text) {

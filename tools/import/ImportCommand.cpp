@@ -1,5 +1,6 @@
 #include "tools/import/ImportCommand.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/DateText.hpp"
 #include "tools/common/EncodingOption.hpp"
 #include "tools/common/ExitCode.hpp"
@@ -98,7 +99,8 @@ class ImportCommand : public Command {
         const InputFile input = openInput(console, inputName_);
         const CsvDialect dialect = detectDialect(input.getPath(), input.getName(), options.csv);
         const ImportPlan plan(console, input, dialect, options);
-        console.errors << fmt::format("{}: separated by {}, {}\n", input.getName(),
+        console.errors << fmt::format("{}: separated by {}, {}\n",
+                                      Texts::toVisible(input.getName()),
                                       describeSeparator(dialect.separator),
                                       dialect.hasHeader
                                           ? fmt::format("names in line {}", dialect.sample[0].line)
@@ -214,10 +216,10 @@ class ImportCommand : public Command {
             if (name != column.name)
                 console.errors << fmt::format(
                     "{}: the name {} is cut to '{}', as long as names are in binary files\n",
-                    outputName_, quoteText(column.name), name);
+                    Texts::toVisible(outputName_), quoteText(column.name), Texts::toVisible(name));
             if (!names.insert(name).second)
-                console.errors << fmt::format("{}: several columns are named {}\n", outputName_,
-                                              quoteText(name));
+                console.errors << fmt::format("{}: several columns are named {}\n",
+                                              Texts::toVisible(outputName_), quoteText(name));
         }
         addRecords(config);
         return config;
@@ -264,8 +266,9 @@ class ImportCommand : public Command {
                     const ImportCount& count) {
         if (count.comments > 0)
             console.errors << fmt::format("{}: {} line(s) that begin with # left out\n",
-                                          input.getName(), count.comments);
-        console.errors << fmt::format("{}: {} row(s)\n", output.getName(), count.rows);
+                                          Texts::toVisible(input.getName()), count.comments);
+        console.errors << fmt::format("{}: {} row(s)\n", Texts::toVisible(output.getName()),
+                                      count.rows);
         if (count.badRows == 0) return kExitDone;
         tellError(console, fmt::format("{}: {} bad row(s) left out, the first: {}", input.getName(),
                                        count.badRows, count.firstBad));

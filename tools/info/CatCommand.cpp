@@ -1,5 +1,6 @@
 #include "tools/info/CatCommand.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/ExitCode.hpp"
 #include "tools/common/InputOptions.hpp"
 #include "tools/common/OutputCheck.hpp"
@@ -66,7 +67,7 @@ class CatCommand : public Command {
         requireRows(recording);
         std::optional<Calibration> calibration;
         if (isCalibrated_) calibration.emplace(recording.getConfig());
-        if (writeRows(recording, calibration, range, console.output)) return kExitDone;
+        if (writeRows(recording, calibration, range, console)) return kExitDone;
         const Rest rest = findRest(recording);
         if (rest.size == 0) return kExitDone;
         tellError(console, recording.getName() + ": " + rest.describe());
@@ -76,12 +77,14 @@ class CatCommand : public Command {
  private:
     /// False if the rows ended before the range did.
     bool writeRows(Recording& recording, std::optional<Calibration>& calibration,
-                   const RowRange& range, std::ostream& output) {
+                   const RowRange& range, const Console& console) {
         const SensorFile::SensorFileConfig& config =
             calibration ? calibration->getConfig() : recording.getConfig();
         RowText format(rowFormatsByName().at(format_), config, chooseColumns(config, columns_));
         std::string text;
         if (!hasNoHeader_) format.appendHeader(text);
+        // Other programs get the names as they are.
+        if (console.isTerminal) text = Texts::toVisibleLines(text);
         RowReader rows(recording);
         std::uint64_t row = skipToRow(range.first, recording, rows);
         bool areMore = true;
@@ -89,9 +92,9 @@ class CatCommand : public Command {
             areMore = rows.next();
             if (!areMore) break;
             format.appendRow(text, calibration ? calibration->apply(rows.row()) : rows.row());
-            if (text.size() >= kPieceSize) hand(text, output);
+            if (text.size() >= kPieceSize) hand(text, console.output);
         }
-        hand(text, output);
+        hand(text, console.output);
         return areMore;
     }
 

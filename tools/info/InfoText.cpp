@@ -1,5 +1,6 @@
 #include "tools/info/InfoText.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/recording/CalibRecords.hpp"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ std::string date(const Poco::DateTime& time) {
 }
 
 std::string line(const char* label, const std::string& text) {
-    return fmt::format("  {:<13}{}\n", label, text);
+    return fmt::format("  {:<13}{}\n", label, Texts::toVisible(text));
 }
 
 std::string describeEncoding(const Recording& recording) {
@@ -44,10 +45,11 @@ std::string describeRate(const MeasuredRate& rate) {
 std::string describeColumns(const SensorFile::SensorFileConfig& config) {
     std::size_t width = 0;
     for (std::size_t i = 0; i < config.getColumnCount(); ++i)
-        width = std::max(width, config.getColumn(i).getName().size());
+        width = std::max(width, Texts::toVisible(config.getColumn(i).getName()).size());
     std::string text = line("columns", fmt::format("{}", config.getColumnCount()));
     for (std::size_t i = 0; i < config.getColumnCount(); ++i)
-        text += fmt::format("    {:<{}}  {}, {} byte(s)\n", config.getColumn(i).getName(), width,
+        text += fmt::format("    {:<{}}  {}, {} byte(s)\n",
+                            Texts::toVisible(config.getColumn(i).getName()), width,
                             config.getColumn(i).getTypeName(), config.getColumn(i).getSize());
     return text;
 }
@@ -67,8 +69,8 @@ std::string describeRecords(const std::vector<CalibRecord>& records) {
     std::string text;
     for (const CalibRecord& record : records) {
         const Eigen::MatrixXd& matrix = record.matrix;
-        text += fmt::format("    {}  {} {} x {}\n", record.name, record.type, matrix.rows(),
-                            matrix.cols());
+        text += fmt::format("    {}  {} {} x {}\n", Texts::toVisible(record.name), record.type,
+                            matrix.rows(), matrix.cols());
         for (Eigen::Index row = 0; row < matrix.rows(); ++row) {
             text += "     ";
             for (Eigen::Index col = 0; col < matrix.cols(); ++col)
@@ -91,7 +93,8 @@ std::string describeCalibration(const SensorFile::SensorFileConfig& config) {
 std::string recordingToText(const Recording& recording, const RowCount& count,
                             const std::vector<MeasuredRate>& rates) {
     const SensorFile::SensorFileConfig& config = recording.getConfig();
-    std::string text = recording.getName() + '\n' + line("encoding", describeEncoding(recording)) +
+    std::string text = Texts::toVisible(recording.getName()) + '\n' +
+                       line("encoding", describeEncoding(recording)) +
                        line("versions", describeVersions(config));
     if (config.isCalibOnly()) {
         text += line("kind", "calibration without samples");
@@ -110,14 +113,14 @@ std::string recordingToText(const Recording& recording, const RowCount& count,
 
 std::string calibToText(const std::string& name, const CalibSource& calib) {
     const bool hasTime = calib.time != SensorFile::SensorFileConfig::zeroTime();
-    return name + '\n' + line("created", hasTime ? date(calib.time) : "unknown") +
+    return Texts::toVisible(name) + '\n' + line("created", hasTime ? date(calib.time) : "unknown") +
            line("format", fmt::format("{}", calib.format)) +
            line("records", fmt::format("{}", calib.records.size())) +
            describeRecords(calib.records);
 }
 
 std::string kivra2CalibToText(const std::string& path, const SensorFile::Kivra2Calib& calib) {
-    return path + '\n' + line("kind", "Kivra2 calibration, by its size") +
+    return Texts::toVisible(path) + '\n' + line("kind", "Kivra2 calibration, by its size") +
            line("created", describeDate(calib.date)) +
            line("version", fmt::format("{}", calib.version)) + describeRecords(listRecords(calib));
 }

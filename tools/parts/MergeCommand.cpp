@@ -1,5 +1,6 @@
 #include "tools/parts/MergeCommand.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/ExitCode.hpp"
 #include "tools/common/InputOptions.hpp"
 #include "tools/common/Json.hpp"
@@ -116,13 +117,14 @@ class MergeCommand : public Command {
     }
 
     [[nodiscard]] std::string describe(const CounterCheck& check) const {
-        const std::string& name = check.getCounter().name;
+        const std::string name = Texts::toVisible(check.getCounter().name);
         if (check.isWhole()) return fmt::format("{}: no row is missing\n", name);
         std::string text = fmt::format("{}: {} row(s) are missing, {} place(s)\n", name,
                                        check.getMissing(), check.getGapCount());
         for (const CounterCheck::Gap& gap : check.getGaps())
-            text += fmt::format("  {} row {}: {} before it\n", parts_[gap.part].name, gap.row,
-                                describe(gap.step));
+            text +=
+                fmt::format("  {} row {}: {} before it\n", Texts::toVisible(parts_[gap.part].name),
+                            gap.row, describe(gap.step));
         if (check.getGapCount() > check.getGaps().size()) text += "  ...\n";
         return text;
     }
@@ -130,10 +132,10 @@ class MergeCommand : public Command {
     [[nodiscard]] std::string reportAsText() const {
         std::string text;
         for (const Part& part : parts_) {
-            text += fmt::format("{}: {} row(s)\n", part.name, part.rows);
+            text += fmt::format("{}: {} row(s)\n", Texts::toVisible(part.name), part.rows);
             if (part.rest.size > 0) text += "  left out: " + part.rest.describe() + '\n';
         }
-        text += fmt::format("{}: {} row(s)\n", outPath_, countAll());
+        text += fmt::format("{}: {} row(s)\n", Texts::toVisible(outPath_), countAll());
         if (checks_.empty())
             text += "whether rows are missing between the parts, no column tells\n";
         for (const CounterCheck& check : checks_)

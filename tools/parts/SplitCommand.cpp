@@ -1,5 +1,6 @@
 #include "tools/parts/SplitCommand.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/ExitCode.hpp"
 #include "tools/common/InputOptions.hpp"
 #include "tools/common/OutputFile.hpp"
@@ -102,7 +103,8 @@ class SplitCommand : public Command {
             copy.appendNext(recording, range.last - range.first);
             copy.finish();
         });
-        console.output << fmt::format("{}: rows {} to {}\n", name, range.first, range.last);
+        console.output << fmt::format("{}: rows {} to {}\n", Texts::toVisible(name), range.first,
+                                      range.last);
     }
 
     InputOptions input_;

@@ -1,5 +1,6 @@
 #include "tools/program/CommandLine.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/common/ErrorText.hpp"
 #include "tools/common/ExitCode.hpp"
 #include "tools/common/OutputCheck.hpp"
@@ -9,6 +10,7 @@
 
 #include <exception>
 #include <ostream>
+#include <sstream>
 #include <utility>
 
 #include <CLI/App.hpp>
@@ -91,8 +93,10 @@ int runProgram(int argc, const char* const* argv, Console& console) {
     try {
         line.getApp().parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return line.getApp().exit(error, console.output, console.errors) == 0 ? kExitDone
-                                                                              : kExitWrongUsage;
+        std::ostringstream complaint;
+        const int code = line.getApp().exit(error, console.output, complaint);
+        console.errors << Texts::toVisibleLines(complaint.str());
+        return code == 0 ? kExitDone : kExitWrongUsage;
     }
     return callCommand(line, console);
 }

@@ -1,5 +1,6 @@
 #include "tools/recording/RowFormat.hpp"
 
+#include "text/VisibleText.hpp"
 #include "tools/recording/ValueText.hpp"
 
 #include <algorithm>
@@ -24,7 +25,8 @@ std::string quoteField(const std::string& name, char separator) {
 
 // Names are bytes without a character set: what is no UTF-8 is replaced.
 std::string quoteJson(const std::string& name) {
-    return nlohmann::json(name).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
+    return Texts::toVisibleJson(nlohmann::json(name).dump(-1, ' ', false, kReplace));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "sensorfile/ColumnType.hpp"
+#include "text/VisibleText.hpp"
 #include "tools/common/TextTable.hpp"
 #include "tools/recording/ValueText.hpp"
 #include "tools/statistics/StatsReport.hpp"
@@ -12,7 +13,7 @@ namespace {
 constexpr std::size_t kIndent = 2;
 
 std::string line(const std::string& label, const std::string& text) {
-    return fmt::format("  {:<13}{}\n", label, text);
+    return fmt::format("  {:<13}{}\n", label, Texts::toVisible(text));
 }
 
 /// Integers with all their digits, others with those that mean something to a reader.
@@ -92,7 +93,7 @@ std::string describeAllan(const AllanReport& allan, double rate) {
 std::string statsToText(const StatsReport& report) {
     std::string rows = fmt::format("{}", report.rows);
     if (report.firstRow > 0) rows += fmt::format(", from row {} on", report.firstRow);
-    std::string text = report.path + '\n' + line("rows", rows);
+    std::string text = Texts::toVisible(report.path) + '\n' + line("rows", rows);
     if (!report.columns.empty()) text += '\n' + valuesTable(report) + '\n' + qualityTable(report);
     for (const AllanReport& allan : report.allan)
         text += describeAllan(allan, report.rate);

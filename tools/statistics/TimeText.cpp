@@ -1,5 +1,7 @@
 #include "tools/statistics/TimeText.hpp"
 
+#include "text/VisibleText.hpp"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -11,7 +13,7 @@ constexpr std::size_t kListedGaps = 5;
 constexpr double kPpm = 1e-6;
 
 std::string line(const char* label, const std::string& text) {
-    return fmt::format("  {:<13}{}\n", label, text);
+    return fmt::format("  {:<13}{}\n", label, Texts::toVisible(text));
 }
 
 std::string describe(const Occurrences& occurrences) {
@@ -109,7 +111,8 @@ std::string describeVerdict(const TimeReport& report, const std::vector<Violatio
 }  // namespace
 
 std::string timeToText(const TimeReport& report, const std::vector<Violation>& violations) {
-    std::string text = report.path + '\n' + line("rows", fmt::format("{}", report.rows)) +
+    std::string text = Texts::toVisible(report.path) + '\n' +
+                       line("rows", fmt::format("{}", report.rows)) +
                        line("nominal", fmt::format("{} Hz", report.nominal));
     if (report.stamps) text += describeStamps(*report.stamps);
     for (const CounterReport& counter : report.counters)

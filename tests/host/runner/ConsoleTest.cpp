@@ -21,6 +21,15 @@ TEST(Console, VerbosityChoosesTheLines) {
     }
 }
 
+TEST(Console, TextsOfOthersNeitherSteerTheTerminalNorEndTheLine) {
+    std::ostringstream stream;
+    Console console(stream, true);
+    console.error("'a\nb\x1b[31m'\n");
+    console.errorLines("a\nb\x1b[31m\n");
+    console.infoLines("c\r");
+    EXPECT_EQ(stream.str(), "'a\\x0ab\\x1b[31m'\na\nb\\x1b[31m\nc\\x0d\n");
+}
+
 TEST(Console, OnATerminalLinesGoAboveTheProgress) {
     std::ostringstream stream;
     Console console(stream, true);

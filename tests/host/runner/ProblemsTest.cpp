@@ -18,6 +18,12 @@ TEST(Problems, AreWrittenBySourceAndPlaceOneALine) {
               "b.yaml:2:1: second\n");
 }
 
+TEST(Problems, StayOnOneLineAndSteerNoTerminal) {
+    Problems problems;
+    problems.add({"a\nb.yaml", 1, 2}, "no '\x1b[31m'\n");
+    EXPECT_EQ(problems.toText(), "a\\x0ab.yaml:1:2: no '\\x1b[31m'\\x0a\n");
+}
+
 TEST(Problems, KeepTheirOrderAtOnePlace) {
     Problems problems;
     problems.add({"a", 1, 1}, "z");

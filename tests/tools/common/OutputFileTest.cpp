@@ -1,6 +1,7 @@
 #include "tests/sensorfile/TestSupport.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 #include "tools/common/OutputFile.hpp"
+#include "tools/common/Platform.hpp"
 
 #include <filesystem>
 #include <fstream>
@@ -96,6 +97,76 @@ TEST_F(OutputFileTest, ASymbolicLinkStaysOne) {
     file.commit();
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(read(path), "new");
+}
+
+TEST_F(OutputFileTest, TheTemporaryFileIsInTheFolderOfTheLinksTarget) {
+    const std::string link = folder.file("link");
+    fs::create_directory(folder.file("sub"));
+    fs::create_symlink("sub/out.bin", link);
+    write(folder.file("sub/out.bin"), "old");
+    const OutputFile file(console, link, true);
+    EXPECT_EQ(fs::path(file.getPath()).parent_path(), folder.file("sub"));
+}
+
+TEST_F(OutputFileTest, ALinkToNothingIsThereAlready) {
+    const std::string link = folder.file("link");
+    fs::create_symlink("out.bin", link);
+    EXPECT_THROW_MESSAGE(OutputFile(console, link, false), Poco::ExistsException,
+                         link + " is there already; --force overwrites it");
+    EXPECT_FALSE(fs::exists(path));
+}
+
+TEST_F(OutputFileTest, ThroughALinkToNothingItsTargetIsMade) {
+    const std::string link = folder.file("link");
+    fs::create_symlink("out.bin", link);
+    fs::create_symlink(link, folder.file("second"));
+    OutputFile file(console, folder.file("second"), true);
+    write(file.getPath(), "new");
+    file.commit();
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(read(path), "new");
+    EXPECT_EQ(fileCount(), 3U);
+}
+
+TEST_F(OutputFileTest, ALinkThatCameMeanwhileIsKept) {
+    OutputFile file(console, path, false);
+    fs::create_symlink("elsewhere", path);
+    EXPECT_THROW(file.commit(), Poco::ExistsException);
+    EXPECT_TRUE(fs::is_symlink(path));
+}
+
+TEST_F(OutputFileTest, NamesThatTheSystemDoesNotTakeAreRefusedWithItsCause) {
+    fs::create_symlink("circle", folder.file("circle"));
+    EXPECT_THROW_MESSAGE(OutputFile(console, folder.file("circle"), true),
+                         Poco::CreateFileException,
+                         folder.file("circle") + ": Too many levels of symbolic links");
+    const std::string large = folder.file(std::string(256, 'x'));
+    EXPECT_THROW_MESSAGE(OutputFile(console, large, true), Poco::CreateFileException,
+                         large + ": File name too long");
+}
+
+TEST_F(OutputFileTest, TheLongestNamesAreTaken) {
+    std::string name = "x";
+    while (name.size() < 255)
+        name += "\u00e4";
+    OutputFile file(console, folder.file(name), false);
+    write(file.getPath(), "content");
+    file.commit();
+    EXPECT_EQ(read(folder.file(name)), "content");
+}
+
+TEST_F(OutputFileTest, AFileIsNeverMadeThroughALinkThatSomebodyPutInItsPlace) {
+    fs::create_symlink("out.bin", folder.file("planted"));
+    EXPECT_EQ(Platform::createFile(folder.file("planted"), false), std::errc::file_exists);
+    EXPECT_FALSE(fs::exists(path));
+}
+
+TEST_F(OutputFileTest, OnATerminalTheStandardOutputIsNotSteered) {
+    console.isTerminal = true;
+    OutputFile file(console, "-", false);
+    write(file.getPath(), "a\tb\x1b[31m\nc");
+    file.commit();
+    EXPECT_EQ(output.str(), "a\tb\\x1b[31m\nc");
 }
 
 TEST_F(OutputFileTest, ADashIsTheStandardOutput) {

@@ -107,7 +107,11 @@ TEST_F(CsvTableTest, TooManyElementsAreRefused) {
 }
 
 TEST(QuoteTextTest, LongTextsAreCutAndControlsHidden) {
-    EXPECT_EQ(quoteText("a\tb\x1b[31m"), "'a b [31m'");
+    EXPECT_EQ(quoteText("a\tb\x1b[31m"), "'a\\x09b\\x1b[31m'");
+    std::string umlauts = "x";
+    while (umlauts.size() < 41)
+        umlauts += "\u00e4";
+    EXPECT_EQ(quoteText(umlauts), "'" + umlauts.substr(0, 39) + "...'");
     EXPECT_EQ(quoteText(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
     EXPECT_EQ(quoteText(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
 }
