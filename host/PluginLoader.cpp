@@ -52,6 +52,8 @@ class Module {
         const fs::file_status status = fs::status(path, error);
         if (!fs::exists(status)) refuse(path, "there is no such file");
         if (fs::is_directory(status)) refuse(path, "it is a folder");
+        // A pipe would make the system wait.
+        if (!fs::is_regular_file(status)) refuse(path, "it is no regular file");
         // An absolute path, since the system searches elsewhere for a name without a folder.
         const std::string file = fs::absolute(path).string();
         const std::string cause =

@@ -7,7 +7,11 @@
 namespace Filters {
 
 FilePath makeFilePath(const std::string& file) {
-    Poco::Path path(file);
+    // Where folders are parted by '/', there are no drives, but POCO takes "take1:/x" for a path of
+    // one, and "~/x" once more for the home folder, when variables have been expanded already.
+    const bool isRelative =
+        Poco::Path::separator() == '/' && !file.empty() && !file.starts_with('/');
+    Poco::Path path(isRelative ? Poco::Path::current() + file : file);
     path.makeAbsolute();
     return {path.toString(), !path.getFileName().empty()};
 }

@@ -3,11 +3,11 @@
 #include "framework/AbstractProperty.hpp"
 #include "framework/Filter.hpp"
 #include "host/runner/ExceptionText.hpp"
+#include "host/runner/FilterPath.hpp"
 #include "host/runner/Platform.hpp"
 #include "host/runner/PropertyText.hpp"
 
 #include <Poco/Exception.h>
-#include <Poco/Path.h>
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
@@ -32,7 +32,7 @@ std::string findWriteCause(const std::string& path) {
 /// nothing is wrong.
 std::string addCause(const std::string& message, const std::string& file, bool isWritten) {
     if (file.empty()) return message;
-    const std::string path = Poco::Path(Poco::Path::expand(file)).makeAbsolute().toString();
+    const std::string path = toFilterPath(file);
     const std::string cause = isWritten ? findWriteCause(path) : findReadObstacle(path);
     if (cause.empty()) return message;
     // The words of the system, without ours before them.

@@ -9,6 +9,8 @@
 #include "host/Flow.hpp"
 #include "host/runner/ExceptionText.hpp"
 #include "host/runner/FileCause.hpp"
+#include "host/runner/FileClash.hpp"
+#include "host/runner/FileUse.hpp"
 #include "host/runner/Names.hpp"
 #include "host/runner/Platform.hpp"
 #include "host/runner/Recordings.hpp"
@@ -61,6 +63,7 @@ void FlowBuilder::build() {
     for (const ConnectionEntry& connection : model_.connections)
         connect(connection);
     checkSwitches();
+    checkFileClashes(model_, flow_, problems_);
     checkScript();
     checkStop();
 }
@@ -125,6 +128,7 @@ void FlowBuilder::setProperty(const PropertyEntry& entry, Core::Filter& filter) 
         if (description.kind == PropertyKind::kCommand)
             throw Poco::DataFormatException("it is a command; call it from the script");
         const std::string serialized = toSerialized(description, entry.value.text);
+        requireUsableFile(description, entry.value.text);
         if (isDeferred(description))
             switches_.push_back({&filter, filterName, &entry});
         else

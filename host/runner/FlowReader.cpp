@@ -5,9 +5,9 @@
 #include "host/runner/TimeText.hpp"
 
 #include <algorithm>
+#include <filesystem>
 
 #include <Poco/Exception.h>
-#include <Poco/Path.h>
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
@@ -61,7 +61,7 @@ void FlowReader::readPlugin(const YamlNode& node) {
         problems_.add(path->place, "the path of a plug-in is empty");
         return;
     }
-    model_.plugins.push_back({*path, Poco::Path(model_.path).makeParent().toString()});
+    model_.plugins.push_back({*path, std::filesystem::path(model_.path).parent_path().string()});
 }
 
 void FlowReader::readLayout(const YamlNode& node) {

@@ -55,9 +55,10 @@ class WatchedFile {
 /// read: " with what the system says; empty if nothing is known to be in the way.
 [[nodiscard]] std::string findReadObstacle(const std::string& path);
 
-/// A limit of the size of files (`ulimit -f`) is told like a full disk from now on, instead of
-/// ending the process.
-void tellFileSizeLimitAsError();
+/// A limit of the size of files (`ulimit -f`), and a reader of the standard output or of a pipe who
+/// goes away, are errors of the file from now on, not the end of the program, whose other recordings
+/// go on.
+void takeSignalsOfFilesAsErrors();
 
 /// True if the standard error stream goes to a terminal.
 [[nodiscard]] bool isErrorStreamTerminal();

@@ -17,6 +17,8 @@
 namespace Quoril::Runner {
 
 namespace {
+namespace fs = std::filesystem;
+
 constexpr int kInterruptedExitCode = 130;
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 constexpr char kInterrupted = 'i';
@@ -36,6 +38,15 @@ std::optional<std::uint64_t> countFreeBytes(const struct statvfs& disk) {
     // What is kept back is kept for the superuser.
     const auto blocks = ::geteuid() == 0 ? disk.f_bfree : disk.f_bavail;
     return static_cast<std::uint64_t>(blocks) * disk.f_frsize;
+}
+
+/// Where a file would be made through symbolic links that lead to nothing.
+fs::path followLinks(fs::path path) {
+    constexpr int kMostLinks = 40;  // as many as the system follows
+    std::error_code error;
+    for (int i = 0; i < kMostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++i)
+        path = path.parent_path() / fs::read_symlink(path, error);
+    return path;
 }
 
 void writeByte(int file, char byte) {
@@ -58,40 +69,42 @@ std::string getProgramFolder() {
 }
 
 std::string findWriteObstacle(const std::string& path) {
-    namespace fs = std::filesystem;
     std::error_code error;
     if (fs::is_directory(path, error)) return "it is a folder";
     if (fs::exists(path, error)) {
         const bool isWritable = ::access(path.c_str(), W_OK) == 0;
         return isWritable ? "" : "the file cannot be written to: " + describeError(errno);
     }
-    const std::string folder = fs::absolute(path, error).parent_path().string();
+    // The name itself may be what the system does not take: too long, or a circle of links.
+    const int cause = ::access(path.c_str(), F_OK) == 0 ? 0 : errno;
+    if (cause == ENAMETOOLONG || cause == ELOOP) return describeError(cause);
+    const std::string folder = fs::absolute(followLinks(path), error).parent_path().string();
     if (!fs::exists(folder, error)) return "the folder '" + folder + "' does not exist";
     if (!fs::is_directory(folder, error)) return "'" + folder + "' is no folder";
     if (::access(folder.c_str(), W_OK | X_OK) != 0)
         return "the folder '" + folder + "' cannot be written to: " + describeError(errno);
-    // The name itself may be what the system does not take.
-    const bool isNameGood = ::access(path.c_str(), F_OK) == 0 || errno == ENOENT;
-    return isNameGood ? "" : describeError(errno);
+    return "";
 }
 
 std::string findWriteError(const std::string& path) {
     // A pipe without reader must not make it wait.
     int file = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    const bool isNew = file < 0 && errno == ENOENT;
-    if (isNew) {
+    const bool isMissing = file < 0 && errno == ENOENT;
+    std::error_code error;
+    // Through a link to nothing the system makes no file that must be a new one.
+    if (isMissing && fs::is_symlink(fs::symlink_status(path, error))) return describeError(ENOENT);
+    if (isMissing) {
         constexpr mode_t kOwnerOnly = 0600;
         // cppcheck-suppress resourceLeak ; nothing is open yet
         file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
     }
     if (file < 0) return describeError(errno);
     ::close(file);
-    if (isNew) ::unlink(path.c_str());
+    if (isMissing) ::unlink(path.c_str());
     return "";
 }
 
 std::string findReadObstacle(const std::string& path) {
-    namespace fs = std::filesystem;
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (status.type() == fs::file_type::not_found) return "does not exist";
@@ -147,8 +160,9 @@ std::optional<FileFacts> WatchedFile::look() const {
     return facts;
 }
 
-void tellFileSizeLimitAsError() {
+void takeSignalsOfFilesAsErrors() {
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool isErrorStreamTerminal() {

@@ -12,9 +12,9 @@ class PluginLoader;
 
 namespace Quoril::Runner {
 
-/// Where the module file of a plug-in may be, in the order of looking: the path as it is (relative
-/// to its base folder); for a bare name beside the program, too. Each once as written and once with
-/// the system's ending of module files.
+/// Where the module file of a plug-in may be, in the order of looking: a bare name beside the
+/// program, a path as it is (relative to its base folder); once as written and once with the
+/// system's ending of module files. Always absolute paths, so that nothing else is searched.
 [[nodiscard]] std::vector<std::string> listCandidates(const PluginEntry& entry,
                                                       const std::string& programFolder);
 

@@ -7,6 +7,7 @@
 #include "framework/StringProperty.hpp"
 #include "framework/ValueProperty.hpp"
 #include "host/runner/ConnectionText.hpp"
+#include "host/runner/FileUse.hpp"
 #include "host/runner/Names.hpp"
 #include "host/runner/NumberText.hpp"
 
@@ -185,7 +186,9 @@ std::string toSerialized(const PropertyDescription& property, const std::string&
 }
 
 void setFromText(AbstractProperty& property, const std::string& text) {
-    property.deSerialize(toSerialized(describeProperty(property), text));
+    const PropertyDescription description = describeProperty(property);
+    requireUsableFile(description, text);
+    property.deSerialize(toSerialized(description, text));
 }
 
 bool hasValue(const AbstractProperty& property, const std::string& text) {

@@ -4,12 +4,12 @@
 #include "framework/ValueProperty.hpp"
 #include "host/Flow.hpp"
 #include "host/runner/ExceptionText.hpp"
+#include "host/runner/FilterPath.hpp"
 #include "host/runner/PropertyText.hpp"
 
 #include <cstring>
 
 #include <Poco/Exception.h>
-#include <Poco/Path.h>
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
@@ -61,7 +61,7 @@ bool isRecordSwitch(const Core::Filter& filter, const Core::AbstractProperty& pr
 
 std::string writtenPathOf(const std::string& text) {
     if (text.empty() || text == kStandardOutput) return "";
-    return Poco::Path(Poco::Path::expand(text)).makeAbsolute().toString();
+    return toFilterPath(text);
 }
 
 std::vector<std::string> listWrittenFiles(const Core::Filter& filter) {

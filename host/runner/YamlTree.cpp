@@ -52,6 +52,9 @@ class TreeBuilder final : public YAML::EventHandler {
                   const std::string& value) override {
         YamlNode node = makeNode(YamlNode::Kind::kScalar, mark);
         try {
+            // The system would take it for the end of a file name.
+            if (value.find('\0') != std::string::npos)
+                throw Poco::DataFormatException("a text cannot hold a zero character");
             node.text = expandVariables(value, lookUp_);
         } catch (const Poco::DataFormatException& error) {
             node.isBroken = true;

@@ -4,7 +4,7 @@
 #include <iostream>
 
 int main(int argc, char** argv) {
-    Quoril::Runner::tellFileSizeLimitAsError();
+    Quoril::Runner::takeSignalsOfFilesAsErrors();
     return Quoril::Runner::runProgram(argc, argv, std::cout, std::cerr,
                                       Quoril::Runner::isErrorStreamTerminal());
 }

@@ -128,6 +128,7 @@ TEST(PluginLoaderTest, MissingFileIsNamed) {
 TEST(PluginLoaderTest, FolderIsRefused) {
     const std::string folder = QUORIL_TEST_MODULE_FOLDER;
     EXPECT_EQ(refusalOf(folder), "Cannot load module '" + folder + "': it is a folder");
+    EXPECT_EQ(refusalOf("/dev/null"), "Cannot load module '/dev/null': it is no regular file");
 }
 
 TEST(PluginLoaderTest, FileThatIsNoLibraryIsRefusedWithTheSystemsReason) {

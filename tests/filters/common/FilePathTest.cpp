@@ -16,6 +16,15 @@ using SensorFile::SensorFileReader;
 using SensorFile::SensorFileWriter;
 using Support::expectThrow;
 
+TEST(FilePathTest, NothingButSeparatorsAndDotsIsSpecial) {
+    const std::string here = Poco::Path::current();
+    for (const std::string name : {"take1:/a.sf", "~/a.sf", "a\nb.sf", "%s {} $HOME.sf", "-a.sf"})
+        EXPECT_EQ(makeFilePath(name).text, here + name);
+    EXPECT_EQ(makeFilePath("/take1:/a.sf").text, "/take1:/a.sf");
+    EXPECT_TRUE(makeFilePath("~").hasFileName);
+    EXPECT_FALSE(makeFilePath("").hasFileName);
+}
+
 TEST(FilePathTest, RelativePathsBecomeAbsolute) {
     EXPECT_EQ(makeFilePath("data/a.sf").text, Poco::Path::current() + "data/a.sf");
     EXPECT_TRUE(makeFilePath("data/a.sf").hasFileName);

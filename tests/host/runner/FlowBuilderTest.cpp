@@ -169,8 +169,8 @@ TEST_F(FlowBuilding, AddsWhatTheSystemHasAgainstAFileThatIsRead) {
               "f:4:57: property 'Read File' of filter 'b' cannot be set to '" +
                   folder + "': File not valid. (" + folder +
                   " is a folder)\n"
-                  "f:5:57: property 'Read File' of filter 'c' cannot be set to '/dev/null': File "
-                  "not valid.\n");
+                  "f:5:57: property 'Read File' of filter 'c' cannot be set to '/dev/null': "
+                  "'/dev/null' is a device, no file\n");
     EXPECT_EQ(problems_.getExitCode(), 1);
 }
 

@@ -55,7 +55,7 @@ TEST(FlowFile, IsReadWhole) {
     const FlowModel model = parseFlow(kWhole, "dir/flow.yaml", lookUp, problems);
     EXPECT_EQ(problems.toText(), "");
     ASSERT_EQ(model.plugins.size(), 1U);
-    EXPECT_EQ(model.plugins[0].baseFolder, "dir/");
+    EXPECT_EQ(model.plugins[0].baseFolder, "dir");
     ASSERT_EQ(model.layouts.size(), 2U);
     EXPECT_EQ(model.layouts[1].period, 5ms);
     ASSERT_EQ(model.filters.size(), 2U);

@@ -60,20 +60,24 @@ TEST(Progress, TellsTimeRowsAndRate) {
               "1.5 s  400 rows  300 rows/s  3 lost");
 }
 
-TEST(PluginFinder, LooksForBareNamesBesideTheProgramToo) {
-    const std::vector<std::string> bare =
-        listCandidates({{"Plugin-1.0", {}}, "/flows/"}, "/usr/bin/");
-    EXPECT_THAT(bare, testing::ElementsAre("/flows/Plugin-1.0", "/flows/Plugin-1.0.so",
-                                           "/usr/bin/Plugin-1.0", "/usr/bin/Plugin-1.0.so"));
+TEST(PluginFinder, LooksForBareNamesBesideTheProgramAlone) {
+    EXPECT_THAT(listCandidates({{"Plugin-1.0", {}}, "/flows/"}, "/usr/bin/"),
+                testing::ElementsAre("/usr/bin/Plugin-1.0", "/usr/bin/Plugin-1.0.so"));
+}
+
+TEST(PluginFinder, LooksForPathsInTheBaseFolder) {
+    EXPECT_THAT(listCandidates({{"./Plugin-1.0", {}}, "/flows/"}, "/usr/bin/"),
+                testing::ElementsAre("/flows/./Plugin-1.0", "/flows/./Plugin-1.0.so"));
     EXPECT_THAT(listCandidates({{"sub/P.so", {}}, "/flows/"}, "/usr/bin/"),
                 testing::ElementsAre("/flows/sub/P.so"));
     EXPECT_THAT(listCandidates({{"/abs/P.so", {}}, "/flows/"}, "/usr/bin/"),
                 testing::ElementsAre("/abs/P.so"));
 }
 
-TEST(PluginFinder, PathsWithoutAFolderBeginInTheCurrentOne) {
+TEST(PluginFinder, RelativePathsOfTheCommandLineBeginInTheCurrentFolder) {
     const std::string here = std::filesystem::current_path().string();
-    EXPECT_THAT(listCandidates({{"P.so", {}}, ""}, ""), testing::ElementsAre(here + "/P.so"));
+    EXPECT_THAT(listCandidates({{"sub/P.so", {}}, ""}, "/usr/bin/"),
+                testing::ElementsAre(here + "/sub/P.so"));
 }
 
 TEST(FilterReport, HoldsPinsAndPropertiesInOrder) {

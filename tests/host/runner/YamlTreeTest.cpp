@@ -24,6 +24,11 @@ class YamlTree : public testing::Test {
     Problems problems_;
 };
 
+TEST_F(YamlTree, RefusesZeroCharacters) {
+    EXPECT_EQ(problemsOf("a: \"good\"\nb: \"a.so\\0.txt\"\n"),
+              "f:2:4: a text cannot hold a zero character\n");
+}
+
 TEST_F(YamlTree, KeepsTextsOrderAndPlaces) {
     const auto root = parse("b: 1.50\na:\n  - yes\n  - \n  - 'x: y'\n");
     ASSERT_TRUE(root && root->isMap());
