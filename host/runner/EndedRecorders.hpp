@@ -13,9 +13,9 @@ class Flow;
 
 namespace Quoril::Runner {
 
-/// Recorders whose recording ended by itself take no samples any more. Where sources wait for room
-/// in every buffer (`--rate max`), they would wait for ever: here such buffers become ones of which
-/// only the newest sample counts, which hold nobody back.
+/// Recorders whose recording ended by itself take no samples any more. Sources that wait for room
+/// in every buffer (with `--rate max`, or because their samples have no times) would wait for ever:
+/// here such buffers become ones of which only the newest sample counts, which hold nobody back.
 class EndedRecorders {
  public:
     explicit EndedRecorders(const Core::Flow& flow) : flow_(flow) {}

@@ -96,7 +96,7 @@ class Run {
             if (stops_.isMet(now)) return;
             script_.runDue(now, problems);
             if (problems.hasErrors()) return;
-            if (options_.pacing.mode == Core::Pacing::Mode::kMaximum) ended_.letPass();
+            ended_.letPass();
             const bool isScriptDone = !script_.getNextTime();
             if (stops_.getEndsWhenFinished() && isScriptDone && flow_.isFinished()) return;
             watchSpace(now);

@@ -228,7 +228,7 @@ script: [{{at: 100ms, {action}}}]
     def test_of_a_disk_that_is_read_only(self):
         disk = self.mount("100k")
         (disk / "old").write_text("an older recording")
-        subprocess.run(["mount", "-o", "remount,ro", disk], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", disk], check=True)
         for name in ["old", "new"]:
             result = self.quoril(make_flow([("rec", "binary", disk / name, True)]))
             self.assertEqual(result.returncode, 1)
@@ -247,8 +247,8 @@ class Warning(DiskTest):
                              r"(\d+) KiB are free, (\S+) KiB are recorded a second\n", result.stderr)
         self.assertTrue(found, result.stderr)
         seconds, free, rate = (float(number) for number in found.groups())
-        # Two files, each with 500 rows of 36 bytes a second, in pages.
-        self.assertLess(abs(rate - 2 * 500 * 36 / 1024), 15)
+        # Two files, each with 500 rows of 36 bytes a second, which come in pieces.
+        self.assertLess(abs(rate - 2 * 500 * 36 / 1024), 25)
         self.assertLess(free, 400)
         self.assertLess(abs(seconds - free / rate), 1)
 
@@ -371,7 +371,8 @@ def enter_name_space():
     """Mounts are seen by this program alone, and go with it."""
     command = ["unshare", "-m" if os.geteuid() == 0 else "-rm"]
     mount = "mount -t tmpfs tmpfs /mnt && umount /mnt"
-    if subprocess.run([*command, "sh", "-c", mount], capture_output=True).returncode != 0:
+    if shutil.which("unshare") is None or subprocess.run(
+            [*command, "sh", "-c", mount], capture_output=True).returncode != 0:
         print(f"left out: {' '.join(sorted(set(sys.argv[4:]) & MOUNTING or MOUNTING))}: "
               "no file system can be mounted here")
         sys.exit(LEFT_OUT)

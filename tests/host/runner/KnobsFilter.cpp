@@ -73,6 +73,7 @@ void KnobsFilter::onRecord(const bool& value) {
 
 void KnobsFilter::onFileName(const std::string& value) {
     note("File Name=" + value);
+    failsToEnd = value == "/dev/full";
 }
 
 void KnobsFilter::onRefusing(const std::string& value) {

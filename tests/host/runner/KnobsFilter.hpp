@@ -43,7 +43,7 @@ class KnobsFilter final : public Core::Filter {
     Core::ValueProperty<int> shown;
     Core::OutputPin<Eigen::MatrixXd> out;
     Core::InputPin<Eigen::MatrixXd> calib;
-    /// The next recording's end does not get onto the disk.
+    /// The next recording's end does not get onto the disk; set by the file name "/dev/full".
     bool failsToEnd = false;
 
  private:

@@ -63,6 +63,23 @@ TEST_F(RunCommand, ARefusedActionEndsTheRunAndTheRecordings) {
                 testing::EndsWith(":3:25: set 'a.Refusing' to 'x': File not valid.\n"));
 }
 
+TEST_F(RunCommand, ALostEndOfARecordingCountsAsLostSamples) {
+    EXPECT_EQ(run("filters: [{name: a, class: FilterKnobs, "
+                  "properties: [File Name: /dev/full, Record: true]}]\n"
+                  "stop: [{for: 1ms}]\n"),
+              3);
+    EXPECT_THAT(errors_.str(), testing::MatchesRegex(
+                                   "filter 'a': the end of the recording to '/dev/full' is lost: "
+                                   "No space left on device\n(.|\n)*"));
+}
+
+TEST_F(RunCommand, AFailureIsToldRatherThanALoss) {
+    EXPECT_EQ(run("filters: [{name: a, class: FilterKnobs, "
+                  "properties: [File Name: /dev/full, Record: true]}]\n"
+                  "script: [{at: 0s, set: {a.Refusing: x}}]\n"),
+              1);
+}
+
 TEST_F(RunCommand, AWrongFlowStartsNothing) {
     EXPECT_EQ(run("filters:\n"
                   "- {name: a, class: FilterKnobs, properties: [Record: true]}\n"

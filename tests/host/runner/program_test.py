@@ -383,6 +383,24 @@ class Recording(ProgramTest):
         self.assertIn("filter 'rec': the recording to '/dev/full' ended by itself: No space left on "
                       "device\n", result.stderr)
 
+    def test_that_ended_holds_nobody_back(self):
+        self.write("x\n" + 2000 * "1\n", "rows.csv")
+        self.write("""version: 1
+plugins: [QuorilPluginSensorFile-2.5.0]
+filters:
+- {name: csv, class: FilterCsvSource, properties: [File Name: rows.csv, Columns: x=x]}
+- {name: probe, class: FilterProbe, properties: [Pins Number: 1]}
+- name: rec
+  class: FilterRecordSensorFile
+  properties: [File Name: /dev/full, Binary: true, Pins Number: 1, ColNames#1: x, Record: true]
+connections: [csv.x -> rec.input#1, csv.x -> probe.input#1]
+""")
+        for rate in [], ["--rate", "max"]:
+            result = self.quoril("run", "flow.yaml", "-q", *rate)
+            self.assert_ends(result, 3, "filter 'rec': the recording to '/dev/full' ended by itself: "
+                             "No space left on device\n")
+            self.assertEqual(len(result.stdout.splitlines()), 2000)
+
     def test_whose_header_cannot_be_written_is_a_failure(self):
         self.write(ENDLESS.replace("  - Record: true", """  - Calib Pins Number: 1
   - CalibColNames#1: gain
