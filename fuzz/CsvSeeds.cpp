@@ -1,4 +1,4 @@
-/// Small CSV files of every kind, each behind the byte by which the harness chooses how to read it.
+/// Small CSV files of every kind, each behind the bytes by which the harness chooses how to read it.
 
 #include "fuzz/Seeds.hpp"
 
@@ -17,6 +17,9 @@ constexpr std::string_view kTables[] = {
     "  1.0   -inf\n +.5   1e999\n",
     "\"two\nlines\",\"say \"\"x\"\"\"\n\"1\",\"2\"x\n3\n4,5,6\n7,8,\n",
     "a;b\n1,5;2,25\n-3;4\n",
+    "-128,255,65535,-32768\n4294967295,-2147483648,18446744073709551615,TRUE\n1e3,-0,2.50,.5e1\n",
+    "[1,2;3 4],\n[,],x\n,[5 6 7 8]\n",
+    "1.7976931348623157e308,4.9406564584124654e-324,1e-400,1e39\n",
     "\"open,1\n2,3\n",
 };
 
@@ -28,7 +31,7 @@ void Fuzz::writeSeeds(const std::filesystem::path& folder) {
         for (std::size_t i = 0; i < std::size(kTables); ++i) {
             const std::string name = "csv-" + std::to_string(choice) + "-" + std::to_string(i);
             std::ofstream(folder / name, std::ios::binary)
-                << static_cast<char>(choice) << kTables[i];
+                << static_cast<char>(choice) << static_cast<char>(67 * i + 7 * choice) << kTables[i];
         }
     }
 }

@@ -12,9 +12,6 @@
 namespace Quoril::Core {
 namespace {
 
-// Large enough that the system calls do not count beside the parsing.
-constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
-
 bool holdsSomething(std::string_view line) {
     const std::size_t first = line.find_first_not_of(" \t");
     return first != std::string_view::npos && line[first] != '#';
@@ -22,7 +19,8 @@ bool holdsSomething(std::string_view line) {
 
 }  // namespace
 
-CsvReader::CsvReader(const std::string& path) : path_(path), buffer_(kBlockSize) {
+CsvReader::CsvReader(const std::string& path, std::size_t blockSize)
+    : path_(path), buffer_(blockSize) {
     open();
     skipByteOrderMark();
 }
@@ -40,6 +38,8 @@ void CsvReader::open() {
 }
 
 void CsvReader::skipByteOrderMark() {
+    while (end_ < 3 && refill()) {
+    }
     const std::string_view start(buffer_.data(), end_);
     if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF"))
         throw Poco::DataFormatException("CSV file '" + path_ +

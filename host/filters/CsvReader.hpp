@@ -21,10 +21,15 @@ class QUORIL_CORE_API CsvReader {
     /// Longest line, in bytes: a longer one is no table of numbers, and must not fill the memory.
     static constexpr std::size_t kMaxLineLength = 1U << 20U;
 
+    /// How many bytes are read at once: enough that the system calls do not count beside the
+    /// parsing.
+    static constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
+
     /// Opens the file.
+    /// @param blockSize  at least 1; tests make it small, so that lines lie across blocks
     /// @throws Poco::IOException if it is missing, a folder, unreadable or has no bytes
     /// @throws Poco::DataFormatException if it is UTF-16 text
-    explicit CsvReader(const std::string& path);
+    explicit CsvReader(const std::string& path, std::size_t blockSize = kBlockSize);
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
 

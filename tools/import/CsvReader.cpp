@@ -1,5 +1,6 @@
 #include "tools/import/CsvReader.hpp"
 
+#include "sensorfile/BlockSize.hpp"
 #include "sensorfile/ByteOrder.hpp"
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 namespace SensorFileTool {
 
 namespace {
-
-constexpr std::size_t kBlock = std::size_t{256} * 1024;
 
 /// The high bit of each of eight bytes that are equal to a character; the first byte is the lowest.
 /// @param pattern  the character eight times
@@ -42,7 +41,7 @@ const char* findClosingQuote(const char* first, const char* last) {
 }  // namespace
 
 CsvReader::CsvReader(const std::string& path, std::string name, char separator)
-    : name_(std::move(name)), separator_(separator), buffer_(kBlock) {
+    : name_(std::move(name)), separator_(separator), blockSize_(SensorFile::BlockSize::current()), buffer_(blockSize_) {
     file_.open(path, std::ios::in);
     skipByteOrderMark();
 }
@@ -136,7 +135,7 @@ bool CsvReader::refill() {
     std::memmove(buffer_.data(), buffer_.data() + begin_, size);
     begin_ = 0;
     end_ = size;
-    if (buffer_.size() - size < kBlock) buffer_.resize(size + std::max(size, kBlock));
+    if (buffer_.size() - size < blockSize_) buffer_.resize(size + std::max(size, blockSize_));
     const std::size_t count = file_.readSome(buffer_.data() + end_, buffer_.size() - end_);
     end_ += count;
     position_ += count;

@@ -86,6 +86,7 @@ class CsvReader {
 
     std::string name_;
     char separator_;
+    std::size_t blockSize_;  ///< of what is read at once
     SensorFile::BlockInputStream file_;
     std::vector<char> buffer_;
     std::size_t begin_ = 0;      ///< of what is not handed out yet, in the buffer
