@@ -414,7 +414,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::array<std::size_t, 4> kBlockSizes = {1, 7, 64, 4096};
     constexpr int kFirstType = 2;
     constexpr int kTypes = 15;
-    const std::string_view text = Fuzz::toText(data + 2, size - 2);
+    // Longer files show nothing more; this one still has a number of more than a thousand digits.
+    constexpr std::size_t kLongest = 1536;
+    const std::string_view text = Fuzz::toText(data + 2, std::min(size - 2, kLongest));
     const std::string path = Fuzz::scratchPath("input.csv");
     Fuzz::writeFile(path, text);
     SensorFile::BlockSize::replace(kBlockSizes[data[1] / 64]);

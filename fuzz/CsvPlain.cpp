@@ -82,8 +82,14 @@ class Parser {
             field += text_[0];
             text_.remove_prefix(1);
         }
+        addTrimmed(record, field);
+    }
+
+    void addTrimmed(PlainRecord& record, std::string field) {
         while (!field.empty() && isBlank(field.back()))
             field.pop_back();
+        while (!field.empty() && isBlank(field.front()))
+            field.erase(0, 1);
         record.fields.push_back(field);
     }
 
@@ -97,7 +103,7 @@ class Parser {
         }
         if (text_.empty()) return false;
         text_.remove_prefix(1);
-        record.fields.push_back(field);
+        addTrimmed(record, field);
         for (; !isAtEnd() && !isSeparator(text_[0]); text_.remove_prefix(1))
             if (!isBlank(text_[0]) && !record.problem) record.problem = record.fields.size() - 1;
         return true;

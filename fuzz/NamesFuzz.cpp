@@ -26,7 +26,7 @@ using Fuzz::require;
 using Names = std::vector<std::string>;
 
 /// Longer lists show nothing more.
-constexpr std::size_t kLongest = 256;
+constexpr std::size_t kLongest = 128;
 constexpr const char* kNotAType = "Column type is not compatible with SensorFile format";
 
 // ---- Lists ----

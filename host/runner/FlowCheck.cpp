@@ -3,16 +3,25 @@
 #include "host/runner/Names.hpp"
 
 #include <map>
+#include <set>
+#include <string_view>
 
 #include <fmt/format.h>
 
 namespace Quoril::Runner {
 
 namespace {
+// Comparing two names takes time by the product of their lengths. This much is done in a fraction of
+// a second; thousands of unknown names, each compared with thousands of known ones, take more.
+constexpr std::size_t kMostCompared = std::size_t{50} * 1000 * 1000;
+
 class NameChecker {
  public:
     NameChecker(const FlowModel& model, Problems& problems)
-        : model_(model), problems_(problems), filterNames_(model.getFilterNames()) {}
+        : model_(model),
+          problems_(problems),
+          filterNames_(model.getFilterNames()),
+          knownFilters_(filterNames_.begin(), filterNames_.end()) {}
 
     void check() {
         checkLayouts();
@@ -52,7 +61,7 @@ class NameChecker {
             if (filter.layout && !layouts_.contains(filter.layout->text))
                 problems_.add(filter.layout->place,
                               fmt::format("there is no layout '{}'{}", filter.layout->text,
-                                          suggestName(filter.layout->text, getLayoutNames())));
+                                          suggest(filter.layout->text, getLayoutNames())));
         }
     }
 
@@ -66,10 +75,19 @@ class NameChecker {
     }
 
     bool checkFilterOf(const MemberName& name) {
-        if (model_.findFilter(name.filter) != nullptr) return true;
+        if (knownFilters_.contains(name.filter)) return true;
         problems_.add(name.place, fmt::format("there is no filter '{}'{}", name.filter,
-                                              suggestName(name.filter, filterNames_)));
+                                              suggest(name.filter, filterNames_)));
         return false;
+    }
+
+    /// As suggestName(); nothing once that has taken too long.
+    [[nodiscard]] std::string suggest(const std::string& wrong,
+                                      const std::vector<std::string>& names) {
+        if (compared_ > kMostCompared) return {};
+        for (const std::string& name : names)
+            compared_ += wrong.size() * name.size();
+        return suggestName(wrong, names);
     }
 
     [[nodiscard]] std::vector<std::string> getLayoutNames() const {
@@ -82,6 +100,8 @@ class NameChecker {
     const FlowModel& model_;
     Problems& problems_;
     const std::vector<std::string> filterNames_;
+    const std::set<std::string_view> knownFilters_;
+    std::size_t compared_ = 0;
     Places layouts_;
     Places inputs_;
 };

@@ -67,7 +67,9 @@ void FlowReader::readPlugin(const YamlNode& node) {
 void FlowReader::readLayout(const YamlNode& node) {
     LayoutEntry layout;
     if (node.isScalar()) {
-        layout.name = *readText(node, "a layout");
+        const auto name = readText(node, "a layout");
+        if (!name) return;
+        layout.name = *name;
         if (!isName(layout.name.text)) {
             problems_.add(node.place, "'" + node.text +
                                           "' cannot be the name of a layout; use "

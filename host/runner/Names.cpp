@@ -15,6 +15,12 @@ char toLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// Lists of names end up in as many messages as there are mistakes.
+std::string shorten(const std::string& name) {
+    constexpr std::size_t kLongestListed = 60;
+    return name.size() <= kLongestListed ? name : name.substr(0, kLongestListed) + "...";
+}
+
 bool areEqual(char a, char b) {
     return toLower(a) == toLower(b);
 }
@@ -48,9 +54,10 @@ std::string findNearestName(std::string_view wrong, const std::vector<std::strin
     std::size_t smallest = std::numeric_limits<std::size_t>::max();
     for (const std::string& name : names) {
         if (name.size() > kLongestCompared) continue;
+        const auto [shorter, longer] = std::minmax({wrong.size(), name.size()});
+        const std::size_t allowed = std::max<std::size_t>(1, longer / 3);
+        if (longer - shorter > allowed) continue;
         const std::size_t distance = editDistance(wrong, name);
-        const std::size_t allowed =
-            std::max<std::size_t>(1, std::max(wrong.size(), name.size()) / 3);
         if (distance > allowed || distance >= smallest) continue;
         smallest = distance;
         nearest = name;
@@ -64,7 +71,7 @@ std::string suggestName(std::string_view wrong, const std::vector<std::string>& 
     if (names.empty()) return "; there are none";
     std::string text = "; there are ";
     for (std::size_t i = 0; i < std::min(names.size(), kMostListed); ++i)
-        text += (i == 0 ? "'" : ", '") + names[i] + "'";
+        text += (i == 0 ? "'" : ", '") + shorten(names[i]) + "'";
     if (names.size() > kMostListed) text += ", ...";
     return text;
 }

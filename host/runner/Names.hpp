@@ -17,7 +17,7 @@ namespace Quoril::Runner {
                                           const std::vector<std::string>& names);
 
 /// The end of an error text: "; did you mean 'Record'?", or else "; there are 'a', 'b'" (at most
-/// twelve), or "; there are none".
+/// twelve, of each 60 bytes), or "; there are none".
 [[nodiscard]] std::string suggestName(std::string_view wrong,
                                       const std::vector<std::string>& names);
 

@@ -8,6 +8,9 @@
 namespace Quoril::Runner {
 
 namespace {
+// A long variable that stands a hundred thousand times would fill the memory.
+constexpr std::size_t kLongestText = std::size_t{8} << 20U;
+
 bool isVariableName(std::string_view name) {
     constexpr std::string_view kDigits = "0123456789";
     constexpr std::string_view kAllowed =
@@ -60,6 +63,8 @@ std::string expandVariables(const std::string& text, const VariableLookup& lookU
         if (end == std::string::npos)
             throw Poco::DataFormatException("'${' without '}' (write '$$' for a dollar)");
         expanded += expandOne(text.substr(dollar + 2, end - dollar - 2), lookUp);
+        if (expanded.size() > kLongestText)
+            throw Poco::DataFormatException("with its variables replaced, the text is too long");
         done = end + 1;
     }
     return expanded.append(text, done, std::string::npos);

@@ -16,7 +16,8 @@ using VariableLookup = std::function<std::optional<std::string>(const std::strin
 /// undefined or empty, and $$ by a dollar. Any other dollar stays. What was put in is not
 /// expanded again.
 /// @throws Poco::DataFormatException if a variable without default is undefined, a name is not one
-///         (letters, digits, '_', not beginning with a digit), or the closing brace is missing
+///         (letters, digits, '_', not beginning with a digit), the closing brace is missing, or the
+///         text becomes longer than 8 MiB
 [[nodiscard]] std::string expandVariables(const std::string& text, const VariableLookup& lookUp);
 
 }  // namespace Quoril::Runner

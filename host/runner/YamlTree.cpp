@@ -1,5 +1,6 @@
 #include "host/runner/YamlTree.hpp"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <sstream>
@@ -44,7 +45,7 @@ class TreeBuilder final : public YAML::EventHandler {
         const auto found = anchors_.find(anchor);
         // An alias inside the very node that it names would be endless.
         if (found == anchors_.end()) throw LimitReached{toPlace(mark), "an alias of itself"};
-        account(found->second, toPlace(mark));
+        account(total_, found->second, toPlace(mark));
         attach(YamlNode(found->second));
     }
 
@@ -104,8 +105,12 @@ class TreeBuilder final : public YAML::EventHandler {
     }
 
     void add(YamlNode node, YAML::anchor_t anchor) {
-        countNode(node, node.place);
-        if (anchor != 0) anchors_[anchor] = node;
+        countNode(total_, node, node.place);
+        if (anchor != 0) {
+            // Anchors within anchors keep what they hold many times.
+            account(anchored_, node, node.place);
+            anchors_[anchor] = node;
+        }
         attach(std::move(node));
     }
 
@@ -141,22 +146,28 @@ class TreeBuilder final : public YAML::EventHandler {
                                                  key.text, first->second));
     }
 
-    void account(const YamlNode& node, const Place& place) {
-        countNode(node, place);
+    /// What there is of a part of the document.
+    struct Amount {
+        std::size_t nodes = 0;
+        std::size_t bytes = 0;
+    };
+
+    void account(Amount& amount, const YamlNode& node, const Place& place) {
+        countNode(amount, node, place);
         for (const YamlNode& item : node.items)
-            account(item, place);
+            account(amount, item, place);
         for (const YamlEntry& entry : node.entries) {
-            account(entry.key, place);
-            account(entry.value, place);
+            account(amount, entry.key, place);
+            account(amount, entry.value, place);
         }
     }
 
-    void countNode(const YamlNode& node, const Place& place) {
-        ++nodes_;
-        bytes_ += node.text.size();
-        if (nodes_ > limits_.nodes)
+    void countNode(Amount& amount, const YamlNode& node, const Place& place) {
+        ++amount.nodes;
+        amount.bytes += node.text.size();
+        if (amount.nodes > limits_.nodes)
             throw LimitReached{place, fmt::format("more than {} values", limits_.nodes)};
-        if (bytes_ > limits_.bytes)
+        if (amount.bytes > limits_.bytes)
             throw LimitReached{place, fmt::format("more than {} bytes of text", limits_.bytes)};
     }
 
@@ -164,8 +175,8 @@ class TreeBuilder final : public YAML::EventHandler {
     const VariableLookup& lookUp_;
     Problems& problems_;
     const YamlLimits limits_;
-    std::size_t nodes_ = 0;
-    std::size_t bytes_ = 0;
+    Amount total_;
+    Amount anchored_;
     std::vector<Open> open_;
     std::map<YAML::anchor_t, YamlNode> anchors_;
     std::optional<YamlNode> root_;
@@ -178,6 +189,28 @@ std::string lineOf(const std::string& text, int index) {
     for (int i = 0; i <= index; ++i)
         if (!std::getline(stream, line)) return {};
     return line;
+}
+
+/// The library counts the end of the text as characters, too: what is wrong there would be told
+/// behind it.
+Place clampToText(Place place, const std::string& text) {
+    const auto lines = static_cast<int>(std::count(text.begin(), text.end(), '\n')) + 1;
+    place.line = std::min(place.line, lines);
+    const auto length = static_cast<int>(lineOf(text, place.line - 1).size());
+    place.column = std::min(place.column, length + 1);
+    return place;
+}
+
+/// Where a text has a NUL byte, which the library would take for the beginning of an escape
+/// sequence; nothing for wide encodings, which begin with a mark or a NUL.
+std::optional<Place> findNul(const std::string& text, const std::string& source) {
+    constexpr std::size_t kWidest = 4;
+    const std::size_t at = text.find('\0');
+    if (at == std::string::npos || at < kWidest) return std::nullopt;
+    if (text.starts_with("\xff\xfe") || text.starts_with("\xfe\xff")) return std::nullopt;
+    const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    const std::size_t begin = text.rfind('\n', at) + 1;  // 0 if there is none
+    return Place{source, static_cast<int>(line) + 1, static_cast<int>(at - begin) + 1};
 }
 
 /// Settings of a connection hold ": ", which ends a plain text in YAML: the most likely slip.
@@ -193,6 +226,10 @@ std::string explainYamlError(const YAML::Exception& error, const std::string& te
 std::optional<YamlNode> parseYaml(const std::string& text, const std::string& source,
                                   const VariableLookup& lookUp, Problems& problems,
                                   const YamlLimits& limits) {
+    if (const auto place = findNul(text, source)) {
+        problems.add(*place, "a NUL byte, which no text has");
+        return std::nullopt;
+    }
     TreeBuilder builder(source, lookUp, problems, limits);
     try {
         std::istringstream stream(text);
@@ -209,7 +246,7 @@ std::optional<YamlNode> parseYaml(const std::string& text, const std::string& so
         }
         return root;
     } catch (const YAML::Exception& error) {
-        problems.add(builder.toPlace(error.mark), explainYamlError(error, text));
+        problems.add(clampToText(builder.toPlace(error.mark), text), explainYamlError(error, text));
     } catch (const LimitReached& limit) {
         problems.add(limit.place, limit.text);
     }

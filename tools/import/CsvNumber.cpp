@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <string>
 
 namespace SensorFileTool {
 
@@ -89,20 +90,26 @@ CsvNumber integerOf(std::string_view digits, bool isNegative, std::uint64_t magn
 /// A number with a decimal point in place of the comma, in room for it.
 class PointText {
  public:
-    /// @return false if it is too long or has a point already
+    /// @return false if it has a point already
     bool assign(std::string_view text) {
-        if (text.size() > room_.size() || text.find('.') != std::string_view::npos) return false;
-        std::replace_copy(text.begin(), text.end(), room_.begin(), ',', '.');
-        text_ = {room_.data(), text.size()};
+        if (text.find('.') != std::string_view::npos) return false;
+        char* room = room_.data();
+        if (text.size() > room_.size()) {
+            long_.resize(text.size());
+            room = long_.data();
+        }
+        std::replace_copy(text.begin(), text.end(), room, ',', '.');
+        text_ = {room, text.size()};
         return true;
     }
     [[nodiscard]] std::string_view get() const { return text_; }
 
  private:
-    // A double has no more digits than this, with those of its exponent.
-    static constexpr std::size_t kMaxText = 1100;
+    // Nearly all numbers are shorter.
+    static constexpr std::size_t kMostText = 64;
 
-    std::array<char, kMaxText> room_;
+    std::array<char, kMostText> room_;
+    std::string long_;
     std::string_view text_;
 };
 

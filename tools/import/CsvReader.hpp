@@ -18,8 +18,9 @@ inline constexpr char kCsvBlanks = ' ';
 ///
 /// A record is a line, or several if there are line ends within its quotes. Lines end with LF or
 /// CR LF; the last one needs no end. Passed over are a UTF-8 byte-order mark, lines of blanks
-/// alone, and lines whose first character is '#'. Blanks around a field do not belong to it. A
-/// field that begins with a quote ends at the next single one; two quotes in it stand for one.
+/// alone, and lines whose first character is '#'. Blanks around a field do not belong to it, within
+/// quotes neither. A field that begins with a quote ends at the next single one; two quotes in it
+/// stand for one.
 class CsvReader {
  public:
     /// No record is longer, in bytes: what is longer is no table, and must not fill the memory.

@@ -1,6 +1,7 @@
 #include "host/runner/FlowFile.hpp"
 
 #include <cstdio>
+#include <ctime>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -266,6 +267,52 @@ TEST(FlowFile, ThatIsTooLargeIsTold) {
     (void)readFlowFile(path, problems);
     EXPECT_EQ(problems.toText(), path + ": is larger than 1 MiB, too large for a flow file\n");
     std::remove(path.c_str());
+}
+
+TEST(FlowFile, LayoutNamedByAnUnknownVariableIsTold) {
+    Problems problems;
+    (void)parseFlow("version: 1\nlayouts: [\"${NONE}\"]\nfilters: [{name: a, class: b}]\n", "f",
+                    lookUp, problems);
+    EXPECT_EQ(problems.toText(),
+              "f:2:11: variable 'NONE' is not defined and has no default\n");
+}
+
+/// Lines with the number of each in place of '#'.
+std::string repeat(int count, const std::string& line) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        for (const char c : line)
+            text += c == '#' ? std::to_string(i) : std::string(1, c);
+    return text;
+}
+
+TEST(FlowFile, ThousandsOfUnknownNamesAreToldInTime) {
+    const std::string filler(60, 'x');
+    const std::string text = "version: 1\nfilters:\n" +
+                             repeat(3000, "- {name: f#" + filler + ", class: c}\n") +
+                             "connections:\n" +
+                             repeat(4000, "- g#" + filler + ".a -> h#" + filler + ".b\n");
+    ASSERT_LT(text.size(), std::size_t{1} << 20U);
+    Problems problems;
+    const std::clock_t begin = std::clock();
+    (void)parseFlow(text, "f", lookUp, problems);
+    EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, 2.0);
+    EXPECT_EQ(problems.getList().size(), 8000U);
+    EXPECT_THAT(problems.toText(), testing::HasSubstr("there is no filter 'g0" + filler +
+                                                      "'; did you mean 'f0" + filler + "'?"));
+}
+
+TEST(FlowFile, LongNamesAreNotToldThousandsOfTimes) {
+    const std::string text = "version: 1\nfilters:\n" +
+                             repeat(12, "- {name: f#" + std::string(60000, 'x') + ", class: c}\n") +
+                             "connections:\n" + repeat(9000, "- a.b -> c.d\n");
+    Problems problems;
+    (void)parseFlow(text, "f", lookUp, problems);
+    std::size_t told = 0;
+    for (const Problem& problem : problems.getList())
+        told += problem.text.size();
+    EXPECT_EQ(problems.getList().size(), 18000U);
+    EXPECT_LT(told, std::size_t{32} << 20U);
 }
 
 }  // namespace

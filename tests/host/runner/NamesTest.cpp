@@ -47,5 +47,10 @@ TEST(Names, SuggestionNamesTheNearestOrAll) {
     EXPECT_EQ(suggestName("x", std::vector<std::string>(13, "Record")).substr(130), ", ...");
 }
 
+TEST(Names, SuggestionCutsLongNames) {
+    EXPECT_EQ(suggestName("x", {std::string(60, 'a'), std::string(61, 'b')}),
+              "; there are '" + std::string(60, 'a') + "', '" + std::string(60, 'b') + "...'");
+}
+
 }  // namespace
 }  // namespace Quoril::Runner

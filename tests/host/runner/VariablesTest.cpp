@@ -58,5 +58,14 @@ TEST(Variables, ComeFromTheEnvironment) {
     EXPECT_FALSE(lookUpEnvironment("QUORIL_SURELY_NOT_DEFINED"));
 }
 
+TEST(Variables, DoNotFillTheMemory) {
+    const std::string megabyte(std::size_t{1} << 20U, 'x');
+    const auto lookUp = [&](const std::string&) { return std::optional(megabyte); };
+    EXPECT_EQ(expandVariables("${A}${A}${A}${A}${A}${A}${A}${A}", lookUp).size(),
+              8 * megabyte.size());
+    EXPECT_THROW((void)expandVariables("${A}${A}${A}${A}${A}${A}${A}${A}${A}", lookUp),
+                 Poco::DataFormatException);
+}
+
 }  // namespace
 }  // namespace Quoril::Runner

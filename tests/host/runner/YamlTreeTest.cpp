@@ -135,5 +135,32 @@ TEST_F(YamlTree, SurvivesAnyBytes) {
     }
 }
 
+TEST_F(YamlTree, TellsOfAnEndInTheMiddleWithinTheText) {
+    EXPECT_THAT(problemsOf("a: b\n\"x\\"), StartsWith("f:2:4: "));
+}
+
+TEST_F(YamlTree, RefusesNulBytes) {
+    EXPECT_EQ(problemsOf(std::string("a: b\nc: d\0n", 11)),
+              "f:2:5: a NUL byte, which no text has\n");
+    EXPECT_EQ(parse(std::string("a: b\0", 6)), std::nullopt);
+}
+
+TEST_F(YamlTree, ReadsWideText) {
+    const auto root = parse(std::string("\xff\xfe" "a\0:\0 \0b\0", 10));
+    ASSERT_TRUE(root && root->isMap());
+    EXPECT_EQ(root->entries[0].value.text, "b");
+}
+
+TEST_F(YamlTree, LimitsWhatAnchorsWithinAnchorsKeep) {
+    YamlLimits limits;
+    limits.nodes = 10;
+    EXPECT_TRUE(parse("&a [x, &b [y, z]]", limits));
+    EXPECT_EQ(problemsOf("&a [&b [&c [1, 2, 3]]]", limits), "f:1:1: more than 10 values\n");
+    problems_.clear();
+    limits.nodes = 100;
+    limits.bytes = 10;
+    EXPECT_EQ(problemsOf("&a [&b [\"123456\"]]", limits), "f:1:1: more than 10 bytes of text\n");
+}
+
 }  // namespace
 }  // namespace Quoril::Runner
