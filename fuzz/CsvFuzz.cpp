@@ -97,8 +97,7 @@ PlainCell readPlainly(std::string_view cell, const CsvNumberStyle& style) {
             if (!whole->isBeyond && !isMinusZero) plain.kind = Kind::kInteger;
         } else {
             const std::size_t at = unsignedText.find(point);
-            const std::size_t end =
-                std::min(unsignedText.find_first_of("eE"), unsignedText.size());
+            const std::size_t end = std::min(unsignedText.find_first_of("eE"), unsignedText.size());
             const int behind = at == std::string::npos ? 0 : static_cast<int>(end - at) - 1;
             plain.decimals = std::max(behind - exponentOf(unsignedText), 0);
         }
@@ -152,9 +151,9 @@ bool fits(const WholeNumber& whole, int code) {
     return fitsAs<std::uint8_t>(whole, code, {2, 11}) ||
            fitsAs<std::int8_t>(whole, code, {3, 12}) ||
            fitsAs<std::uint16_t>(whole, code, {4, 13}) ||
-           fitsAs<std::int16_t>(whole, code, {5, 14}) ||
-           fitsAs<std::uint32_t>(whole, code, {6}) || fitsAs<std::int32_t>(whole, code, {7}) ||
-           fitsAs<std::uint64_t>(whole, code, {15}) || fitsAs<std::int64_t>(whole, code, {16});
+           fitsAs<std::int16_t>(whole, code, {5, 14}) || fitsAs<std::uint32_t>(whole, code, {6}) ||
+           fitsAs<std::int32_t>(whole, code, {7}) || fitsAs<std::uint64_t>(whole, code, {15}) ||
+           fitsAs<std::int64_t>(whole, code, {16});
 }
 
 /// The whole number that a cell stands for, if it is one.
@@ -191,8 +190,8 @@ bool checkTyped(const PlainCell& cell, int code, const Row& row, std::size_t col
     if (isTaken && row.isWide(column))
         require(row.getBits(column) == whole->to<std::uint64_t>(), "other bits in the row");
     if (isTaken && !row.isWide(column))
-        require(row.getValue(column) == (whole->isNegative ? -1.0 : 1.0) *
-                                            static_cast<double>(whole->magnitude),
+        require(row.getValue(column) ==
+                    (whole->isNegative ? -1.0 : 1.0) * static_cast<double>(whole->magnitude),
                 "another whole value in the row");
     return true;
 }
@@ -400,8 +399,7 @@ void checkFile(const std::string& path, std::string_view text, const CsvOptions&
         const std::string& message = error.message();
         require(message.starts_with(std::string(kName) + ": "), "refused without the file");
         const PlainCsv plain = Fuzz::readPlainCsv(text, options.separator.value_or(','));
-        const bool isUnread =
-            plain.isWide || plain.brokenLine.has_value() || plain.records.empty();
+        const bool isUnread = plain.isWide || plain.brokenLine.has_value() || plain.records.empty();
         const bool hasBadHeader = !plain.records.empty() && plain.records.front().problem;
         if (options.separator) require(isUnread || hasBadHeader, "a good file is refused");
     }

@@ -50,7 +50,9 @@ class Parser {
     [[nodiscard]] bool isAtEnd() const {
         return text_.empty() || text_[0] == '\n' || text_ == "\r" || text_.starts_with("\r\n");
     }
-    [[nodiscard]] bool isBlank(char c) const { return c == ' ' || (c == '\t' && separator_ != '\t'); }
+    [[nodiscard]] bool isBlank(char c) const {
+        return c == ' ' || (c == '\t' && separator_ != '\t');
+    }
     [[nodiscard]] bool isSeparator(char c) const {
         return c == separator_ || (separator_ == ' ' && c == '\t');
     }

@@ -1,4 +1,5 @@
-/// Small CSV files of every kind, each behind the bytes by which the harness chooses how to read it.
+/// Small CSV files of every kind, each behind the bytes by which the harness chooses how to read
+/// it.
 
 #include "fuzz/Seeds.hpp"
 
@@ -31,7 +32,8 @@ void Fuzz::writeSeeds(const std::filesystem::path& folder) {
         for (std::size_t i = 0; i < std::size(kTables); ++i) {
             const std::string name = "csv-" + std::to_string(choice) + "-" + std::to_string(i);
             std::ofstream(folder / name, std::ios::binary)
-                << static_cast<char>(choice) << static_cast<char>(67 * i + 7 * choice) << kTables[i];
+                << static_cast<char>(choice) << static_cast<char>(67 * i + 7 * choice)
+                << kTables[i];
         }
     }
 }

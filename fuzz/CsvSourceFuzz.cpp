@@ -182,7 +182,8 @@ bool setText(FilterCsvSource& source, const char* name, const std::string& text)
 }
 
 const TimeStampedData<Eigen::MatrixXd>& sampleOf(const FilterCsvSource& source, std::size_t pin) {
-    return dynamic_cast<const OutputPin<Eigen::MatrixXd>&>(*source.getOutputPins()[pin]).getSample();
+    return dynamic_cast<const OutputPin<Eigen::MatrixXd>&>(*source.getOutputPins()[pin])
+        .getSample();
 }
 
 void checkSent(const FilterCsvSource& source, const Fuzz::PlainRow& row, double time) {

@@ -1,5 +1,5 @@
-/// Reads hostile flow files, and the small texts in them. The first byte of the input chooses which,
-/// the rest is the text.
+/// Reads hostile flow files, and the small texts in them. The first byte of the input chooses
+/// which, the rest is the text.
 ///
 /// Beyond "no crash": the same file gives the same model and the same problems again, each problem
 /// lies within the file, a file without errors is a flow that could be run, and written down again
@@ -114,8 +114,7 @@ std::optional<std::int64_t> readTimePlainly(const std::string& text) {
     if (!Fuzz::isDecimal(withoutPlus.substr(isMinus ? 1 : 0))) return std::nullopt;
     const double value = *Fuzz::readDouble(number);
     const std::string digits = number.substr(0, number.find_first_of("eE"));
-    const bool isTooSmall =
-        value == 0.0 && digits.find_first_of("123456789") != std::string::npos;
+    const bool isTooSmall = value == 0.0 && digits.find_first_of("123456789") != std::string::npos;
     if (value < 0.0 || isTooSmall || value - value != 0.0) return std::nullopt;
     if (value * unit > 1000.0 * 24 * 3600 * 1e9) return -1;
     return std::llround(value * unit);
@@ -138,7 +137,8 @@ void checkConnection(const std::string& text) {
         const std::string from = connection.from.filter + "." + connection.from.member;
         const std::string to = connection.to.filter + "." + connection.to.member;
         const std::size_t arrow = text.find("->");
-        require(arrow != std::string::npos && text.substr(0, arrow).find(from) != std::string::npos &&
+        require(arrow != std::string::npos &&
+                    text.substr(0, arrow).find(from) != std::string::npos &&
                     text.find(to, arrow) != std::string::npos,
                 "pins that are not in the text");
         require(connection.from.filter.find('.') == std::string::npos &&
@@ -187,7 +187,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 /// Whether a line is another with one item of it in quotation marks.
 bool isQuotedFrom(const std::string& quoted, const std::string& line) {
-    const auto [before, after] = std::mismatch(line.begin(), line.end(), quoted.begin(), quoted.end());
+    const auto [before, after] =
+        std::mismatch(line.begin(), line.end(), quoted.begin(), quoted.end());
     if (after == quoted.end() || *after != '\'') return false;
     std::string plain;
     const std::size_t begin = static_cast<std::size_t>(after - quoted.begin()) + 1;
@@ -204,7 +205,8 @@ bool isQuotedFrom(const std::string& quoted, const std::string& line) {
 
 void checkQuotes(const std::string& text) {
     const std::string quoted = quoteConnections(text);
-    if (text.find("connections:") == std::string::npos) require(quoted == text, "quoted for nothing");
+    if (text.find("connections:") == std::string::npos)
+        require(quoted == text, "quoted for nothing");
     const std::vector<std::string> before = linesOf(text);
     const std::vector<std::string> after = linesOf(quoted);
     require(before.size() == after.size(), "lines are lost or made");
@@ -284,9 +286,9 @@ void checkFile(const std::string& text) {
     const Reading reading{Fuzz::describeModel(model, true), describeProblems(problems)};
     Problems problemsAgain;
     const FlowModel modelAgain = parseFlow(text, kSource, ask, problemsAgain);
-    require(reading == Reading{Fuzz::describeModel(modelAgain, true),
-                               describeProblems(problemsAgain)},
-            "read twice, it differs");
+    require(
+        reading == Reading{Fuzz::describeModel(modelAgain, true), describeProblems(problemsAgain)},
+        "read twice, it differs");
     if (!isWideText(text)) {
         for (const std::string& name : asked)
             require(text.find(name) != std::string::npos, "a variable that is not in the file");

@@ -45,14 +45,19 @@ const std::vector<Plan> kPlans = {
     {"properties", "version: 1\nfilters:\n- name: a\n  class: b\n  properties:\n\1  - p\2: 1\n\1"},
     {"connections",
      "version: 1\nfilters: [{name: a, class: b}]\nconnections:\n\1- a.b -> a.c\2 {buffer: 64}\n\1"},
-    {"settings", "version: 1\nfilters: [{name: a, class: b}]\nconnections:\n- a.b -> a.c "
-                 "{\1buffer: 64,\1 lifo: true}\n"},
-    {"script", "version: 1\nfilters: [{name: a, class: b}]\nscript:\n\1- {at: \2ms, set: {a.b: 1}}\n\1"},
-    {"unknown-filters", "version: 1\nfilters:\n\1- {name: f\2xxxxxxxxxxxxxxxxxxxxxxxx, class: c}\n"
-                        "\1connections:\n\1- g\2xxxxxxxxxxxxxxxxxxxxxxx.a -> h\2xx.b\n\1"},
-    {"unknown-layouts", "version: 1\nlayouts:\n\1- l\2xxx\n\1filters:\n"
-                        "\1- {name: f\2, class: c, layout: k\2xxx}\n\1"},
-    {"long-names", "version: 1\nfilters:\n- {name: \1n\1, class: c}\nconnections:\n\1- a.b -> c.d\n\1"},
+    {"settings",
+     "version: 1\nfilters: [{name: a, class: b}]\nconnections:\n- a.b -> a.c "
+     "{\1buffer: 64,\1 lifo: true}\n"},
+    {"script",
+     "version: 1\nfilters: [{name: a, class: b}]\nscript:\n\1- {at: \2ms, set: {a.b: 1}}\n\1"},
+    {"unknown-filters",
+     "version: 1\nfilters:\n\1- {name: f\2xxxxxxxxxxxxxxxxxxxxxxxx, class: c}\n"
+     "\1connections:\n\1- g\2xxxxxxxxxxxxxxxxxxxxxxx.a -> h\2xx.b\n\1"},
+    {"unknown-layouts",
+     "version: 1\nlayouts:\n\1- l\2xxx\n\1filters:\n"
+     "\1- {name: f\2, class: c, layout: k\2xxx}\n\1"},
+    {"long-names",
+     "version: 1\nfilters:\n- {name: \1n\1, class: c}\nconnections:\n\1- a.b -> c.d\n\1"},
 };
 
 }  // namespace

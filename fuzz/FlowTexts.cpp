@@ -136,8 +136,8 @@ std::string filterText(const FilterEntry& filter) {
 }
 
 std::string connectionText(const ConnectionEntry& connection) {
-    std::string text = "{from: " + quote(nameText(connection.from)) +
-                       ", to: " + quote(nameText(connection.to));
+    std::string text =
+        "{from: " + quote(nameText(connection.from)) + ", to: " + quote(nameText(connection.to));
     if (connection.bufferSize) text += fmt::format(", buffer: {}", *connection.bufferSize);
     if (connection.isLifo) text += fmt::format(", lifo: {}", *connection.isLifo);
     return text + "}";
@@ -267,8 +267,8 @@ void checkModel(const FlowModel& model) {
         last = action.at;
     }
     for (const StopEntry& stop : model.stop) {
-        const int kinds = (stop.after ? 1 : 0) + (stop.isWhenFinished ? 1 : 0) +
-                          (stop.when.empty() ? 0 : 1);
+        const int kinds =
+            (stop.after ? 1 : 0) + (stop.isWhenFinished ? 1 : 0) + (stop.when.empty() ? 0 : 1);
         require(kinds == 1, "a stop condition is not one thing");
         require(!stop.after || isTime(*stop.after), "a stop at no time");
         for (const ValueCondition& condition : stop.when)

@@ -4,7 +4,6 @@
 
 #if defined(__linux__)
 #include <array>
-
 #include <sys/inotify.h>
 #include <unistd.h>
 #endif

@@ -240,8 +240,8 @@ class Reader {
         if (texts.size() != slot.count) throw Refusal{line.number};
         std::vector<double> values;
         for (const std::string& text : texts) {
-            const auto value = text.empty() ? std::numeric_limits<double>::quiet_NaN()
-                                            : readPlainNumber(text);
+            const auto value =
+                text.empty() ? std::numeric_limits<double>::quiet_NaN() : readPlainNumber(text);
             if (!value) throw Refusal{line.number};
             values.push_back(*value);
         }

@@ -24,9 +24,9 @@ struct PlainRow {
 
 /// What a table of selected columns gives.
 struct PlainRows {
-    bool isOpened = false;  ///< the columns are there
-    bool hasError = false;  ///< opening fails, or a row is met that does
-    std::uint64_t badLine = 0;  ///< of the error; 0: it is none of a line
+    bool isOpened = false;       ///< the columns are there
+    bool hasError = false;       ///< opening fails, or a row is met that does
+    std::uint64_t badLine = 0;   ///< of the error; 0: it is none of a line
     std::vector<PlainRow> rows;  ///< before the error
 };
 
@@ -50,7 +50,8 @@ class PlainSource {
     std::vector<PlainLine> lines_;
 };
 
-/// A text that is one number: a sign, a decimal, "inf" or "nan". Nothing if it is none, or too large.
+/// A text that is one number: a sign, a decimal, "inf" or "nan". Nothing if it is none, or too
+/// large.
 [[nodiscard]] std::optional<double> readPlainNumber(std::string_view text);
 
 }  // namespace Fuzz

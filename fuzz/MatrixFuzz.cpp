@@ -87,8 +87,9 @@ bool isSame(const Eigen::MatrixXd& matrix, const Rows& rows) {
     if (!rows.empty() && matrix.cols() != static_cast<Eigen::Index>(rows[0].size())) return false;
     for (Eigen::Index row = 0; row < matrix.rows(); ++row)
         for (Eigen::Index column = 0; column < matrix.cols(); ++column)
-            if (!Fuzz::isSame(matrix(row, column), rows[static_cast<std::size_t>(row)]
-                                                       [static_cast<std::size_t>(column)]))
+            if (!Fuzz::isSame(
+                    matrix(row, column),
+                    rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]))
                 return false;
     return true;
 }

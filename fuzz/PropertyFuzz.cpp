@@ -42,7 +42,7 @@ using Quoril::Core::ValueProperty;
 constexpr const char* kRefusal = "refused by the callback";
 constexpr const char* kName = "Some Name";
 /// Longer texts show nothing more.
-constexpr std::size_t kLongest = 64;
+constexpr std::size_t kLongest = 32;
 
 enum class Outcome { kStored, kNoValue, kOutOfRange, kReadOnly, kRefused };
 
@@ -168,7 +168,8 @@ std::string expandPath(const std::string& text) {
             while (end < text.size() && (Fuzz::isDigit(text[end]) || text[end] == '_' ||
                                          std::isalpha(static_cast<unsigned char>(text[end])) != 0))
                 ++end;
-        const std::string name = text.substr(at + (hasBrace ? 1 : 0), end - at - (hasBrace ? 1 : 0));
+        const std::string name =
+            text.substr(at + (hasBrace ? 1 : 0), end - at - (hasBrace ? 1 : 0));
         if (const char* value = std::getenv(name.c_str())) expanded += value;
         at = std::min(end + (hasBrace ? 1 : 0), text.size());
     }

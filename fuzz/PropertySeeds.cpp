@@ -47,11 +47,11 @@ void Fuzz::writeSeeds(const std::filesystem::path& folder) {
         for (std::size_t i = 0; i < kTexts.size(); ++i) {
             const int situation = static_cast<int>(i) % kSituations;
             for (const int chosen : {0, situation}) {
-                const std::string name = std::to_string(kind) + "-" + std::to_string(chosen) + "-" +
-                                         std::to_string(i);
+                const std::string name =
+                    std::to_string(kind) + "-" + std::to_string(chosen) + "-" + std::to_string(i);
                 std::ofstream(folder / name, std::ios::binary)
-                    << static_cast<char>(kind) << static_cast<char>(chosen)
-                    << static_cast<char>(i) << kTexts[i];
+                    << static_cast<char>(kind) << static_cast<char>(chosen) << static_cast<char>(i)
+                    << kTexts[i];
             }
         }
     }

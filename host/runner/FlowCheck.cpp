@@ -11,9 +11,9 @@
 namespace Quoril::Runner {
 
 namespace {
-// Comparing two names takes time by the product of their lengths. This much is done in a fraction of
-// a second; thousands of unknown names, each compared with thousands of known ones, take more.
-constexpr std::size_t kMostCompared = std::size_t{50} * 1000 * 1000;
+// Comparing two names takes time by the product of their lengths. This much is done in a fraction
+// of a second; thousands of unknown names, each compared with thousands of known ones, take more.
+constexpr std::size_t kMostCompared = std::size_t{20} * 1000 * 1000;
 
 class NameChecker {
  public:

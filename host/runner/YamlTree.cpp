@@ -208,7 +208,8 @@ std::optional<Place> findNul(const std::string& text, const std::string& source)
     const std::size_t at = text.find('\0');
     if (at == std::string::npos || at < kWidest) return std::nullopt;
     if (text.starts_with("\xff\xfe") || text.starts_with("\xfe\xff")) return std::nullopt;
-    const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    const auto line =
+        std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
     const std::size_t begin = text.rfind('\n', at) + 1;  // 0 if there is none
     return Place{source, static_cast<int>(line) + 1, static_cast<int>(at - begin) + 1};
 }

@@ -41,7 +41,10 @@ const char* findClosingQuote(const char* first, const char* last) {
 }  // namespace
 
 CsvReader::CsvReader(const std::string& path, std::string name, char separator)
-    : name_(std::move(name)), separator_(separator), blockSize_(SensorFile::BlockSize::current()), buffer_(blockSize_) {
+    : name_(std::move(name)),
+      separator_(separator),
+      blockSize_(SensorFile::BlockSize::current()),
+      buffer_(blockSize_) {
     file_.open(path, std::ios::in);
     skipByteOrderMark();
 }

@@ -70,6 +70,17 @@ TEST(CsvReaderTest, LinesAcrossBlocksComeWhole) {
     EXPECT_EQ(linesOf(content), expected);
 }
 
+TEST(CsvReaderTest, BlocksOfAnySizeGiveTheSameLines) {
+    const ScratchFile file("\xEF\xBB\xBFtime,x\r\n\n# none\n1,2\n3");
+    for (const std::size_t blockSize : {1U, 2U, 3U, 7U, 1000U}) {
+        CsvReader reader(file.path(), blockSize);
+        std::vector<std::string> lines;
+        while (reader.next())
+            lines.emplace_back(reader.getLine());
+        EXPECT_THAT(lines, ElementsAre("time,x", "1,2", "3")) << blockSize;
+    }
+}
+
 TEST(CsvReaderTest, LongestLineIsReadAndOneByteMoreIsRefused) {
     const std::string longest(CsvReader::kMaxLineLength, 'x');
     EXPECT_THAT(linesOf("1\n" + longest + "\n2"), ElementsAre("1", longest, "2"));

@@ -273,8 +273,7 @@ TEST(FlowFile, LayoutNamedByAnUnknownVariableIsTold) {
     Problems problems;
     (void)parseFlow("version: 1\nlayouts: [\"${NONE}\"]\nfilters: [{name: a, class: b}]\n", "f",
                     lookUp, problems);
-    EXPECT_EQ(problems.toText(),
-              "f:2:11: variable 'NONE' is not defined and has no default\n");
+    EXPECT_EQ(problems.toText(), "f:2:11: variable 'NONE' is not defined and has no default\n");
 }
 
 /// Lines with the number of each in place of '#'.
@@ -288,10 +287,9 @@ std::string repeat(int count, const std::string& line) {
 
 TEST(FlowFile, ThousandsOfUnknownNamesAreToldInTime) {
     const std::string filler(60, 'x');
-    const std::string text = "version: 1\nfilters:\n" +
-                             repeat(3000, "- {name: f#" + filler + ", class: c}\n") +
-                             "connections:\n" +
-                             repeat(4000, "- g#" + filler + ".a -> h#" + filler + ".b\n");
+    const std::string text =
+        "version: 1\nfilters:\n" + repeat(3000, "- {name: f#" + filler + ", class: c}\n") +
+        "connections:\n" + repeat(4000, "- g#" + filler + ".a -> h#" + filler + ".b\n");
     ASSERT_LT(text.size(), std::size_t{1} << 20U);
     Problems problems;
     const std::clock_t begin = std::clock();

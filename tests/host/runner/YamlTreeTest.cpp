@@ -146,7 +146,10 @@ TEST_F(YamlTree, RefusesNulBytes) {
 }
 
 TEST_F(YamlTree, ReadsWideText) {
-    const auto root = parse(std::string("\xff\xfe" "a\0:\0 \0b\0", 10));
+    const auto root =
+        parse(std::string("\xff\xfe"
+                          "a\0:\0 \0b\0",
+                          10));
     ASSERT_TRUE(root && root->isMap());
     EXPECT_EQ(root->entries[0].value.text, "b");
 }

@@ -80,6 +80,14 @@ TEST(CsvNumberTest, EverythingElseIsText) {
     EXPECT_EQ(kindOf(std::string("1\0", 2)), Kind::kText);
 }
 
+TEST(CsvNumberTest, DecimalCommaStandsInNumbersOfAnyLength) {
+    const std::string zeros(3000, '0');
+    EXPECT_EQ(kindOf("1," + zeros + "5", true), Kind::kReal);
+    EXPECT_EQ(valueOf("1," + zeros + "5", true), 1.0);
+    EXPECT_EQ(valueOf("0," + zeros + "5e3001", true), 5.0);
+    EXPECT_EQ(valueOf("-" + zeros + "1,5", true), -1.5);
+}
+
 TEST(CsvNumberTest, DecimalCommaTakesThePointsPlace) {
     EXPECT_EQ(kindOf("1,5", true), Kind::kReal);
     EXPECT_EQ(valueOf("-1,5e2", true), -150.0);
