@@ -50,17 +50,12 @@ void LayoutManager::release(Filter& filter) {
 
 void LayoutManager::whileAtRest(const Filter& filter, const std::function<void()>& operation) {
     const EditGate gate;
-    bool hasEndedWaits = false;
     for (;;) {
         const Synchronizer::DisablerLocker lock(&synchronizer_, nullptr);
-        if (scheduler_.getFilterInCall() != &filter) {
-            if (hasEndedWaits) lock_->allowWaits();
-            operation();
-            return;
-        }
-        // The call waits for data and has given the lock up; it comes back for it now.
-        lock_->endWaits();
-        hasEndedWaits = true;
+        if (scheduler_.getFilterInCall() != &filter) return operation();
+        // The call waits for data and has given the lock up; it comes back for it now. Whether
+        // it may wait again is for start and stop alone to say.
+        lock_->endPresentWaits();
     }
 }
 

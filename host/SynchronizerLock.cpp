@@ -40,9 +40,18 @@ void Synchronizer::Lock::endWait(Poco::Event& event) {
     waitedEvents_.erase(std::find(waitedEvents_.begin(), waitedEvents_.end(), &event));
 }
 
+void Synchronizer::Lock::endPresentWaits() {
+    const std::lock_guard lock(waitsMutex_);
+    wakeWaiters();
+}
+
 void Synchronizer::Lock::endWaits() {
     const std::lock_guard lock(waitsMutex_);
     areWaitsEnded_ = true;
+    wakeWaiters();
+}
+
+void Synchronizer::Lock::wakeWaiters() {
     for (Poco::Event* event : waitedEvents_)
         event->set();
 }

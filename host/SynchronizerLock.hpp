@@ -34,11 +34,15 @@ class QUORIL_CORE_API Synchronizer::Lock {
     bool beginWait(Poco::Event& event);
     void endWait(Poco::Event& event);
 
+    /// Ends the waits of now, but not those to come.
+    void endPresentWaits();
     /// Ends all waits, and those to come.
     void endWaits();
     void allowWaits();
 
  private:
+    void wakeWaiters();
+
     const std::shared_ptr<WakeSignal> signal_;
 
     std::mutex mutex_;

@@ -1,3 +1,4 @@
+#include "host/SynchronizerLock.hpp"
 #include "tests/host/FlowFixture.hpp"
 
 #include <gmock/gmock.h>
@@ -151,6 +152,33 @@ TEST_F(LayoutsTest, FilterThatWaitsInItsCallCanBeRemoved) {
     flow.removeFilter(sink);
     flow.stop();
     EXPECT_EQ(flow.getFilters().size(), 1U);
+}
+
+TEST_F(LayoutsTest, WaitsThatAStopEndedStayEndedWhenAWaitingFilterIsTakenOut) {
+    auto& source = add<TestSource>("source", "first");
+    source.rowCount = 1;
+    auto& sink = add<TestSink>("sink", "second");
+    LayoutManager& second = layout("second");
+    connect(source, sink);
+    sink.inputs.front()->setIsBlocking(true);
+    sink.onProcess = [&] {
+        while (sink.inputs.front()->fetch())
+            sink.inputs.front()->take();
+        second.requestDrain();
+    };
+    flow.start();
+    ASSERT_TRUE(waitFor([&] {
+        return look(sink, [&] { return second.getScheduler().getFilterInCall() == &sink; });
+    }));
+    Poco::Event event;
+    bool mayWait = true;
+    second.whileAtRest(sink, [&] {
+        const std::shared_ptr<Synchronizer::Lock> lock = second.getSynchronizer().getLock();
+        mayWait = lock->beginWait(event);
+        if (mayWait) lock->endWait(event);
+    });
+    EXPECT_FALSE(mayWait);
+    flow.stop();
 }
 
 TEST_F(LayoutsTest, FilterMovesToAnotherLayoutWhileTheFlowRuns) {
