@@ -1,6 +1,7 @@
 #include "tests/stress/FilterLook.hpp"
 
 #include "framework/AbstractProperty.hpp"
+#include "framework/Synchronizer.hpp"
 #include "tests/stress/StressFilters.hpp"
 
 #include <algorithm>
@@ -37,6 +38,7 @@ std::size_t sampleSizeOf(const Quoril::Core::AbstractOutputPin& output) {
     if (std::find(kSteadyClasses.begin(), kSteadyClasses.end(), filter->getClassName()) ==
         kSteadyClasses.end())
         return 0;
+    const Quoril::Core::Synchronizer::DisablerLocker lock(output.getSynchronizer(), nullptr);
     return static_cast<std::size_t>(typed->getSample().value.size());
 }
 

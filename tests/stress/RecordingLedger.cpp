@@ -117,17 +117,32 @@ std::vector<ClosedRecording> RecordingLedger::takeClosed() {
 }
 
 void RecordingLedger::valueChanged(const AbstractProperty& property) {
+    Filter* const filter = findOwner(property);
+    if (filter == nullptr) return;
+    // Without the mutex, since it takes the locks of other layouts; only edits start recordings.
+    const bool isStart = property.getName() == "Record" && isOn(property);
+    std::optional<Open> started;
+    if (isStart) started = start(*filter);
     const std::lock_guard lock(mutex_);
-    for (Recorder& recorder : recorders_) {
-        if (recorder.pause == &property && recorder.open) recorder.open->isExact = false;
-        if (recorder.record != &property) continue;
-        if (isOn(property)) {
-            recorder.open = start(*recorder.filter);
-        } else if (recorder.open) {
-            closeLocked(end(*recorder.open));
-            recorder.open.reset();
-        }
+    Recorder* const recorder = find(*filter);
+    if (recorder == nullptr) return;
+    if (isStart) {
+        recorder->open = std::move(started);
+    } else if (!recorder->open) {
+        return;
+    } else if (&property == recorder->record) {
+        closeLocked(end(*recorder->open));
+        recorder->open.reset();
+    } else {
+        recorder->open->isExact = false;
     }
+}
+
+Filter* RecordingLedger::findOwner(const AbstractProperty& property) {
+    const std::lock_guard lock(mutex_);
+    for (const Recorder& recorder : recorders_)
+        if (recorder.record == &property || recorder.pause == &property) return recorder.filter;
+    return nullptr;
 }
 
 void RecordingLedger::attributeChanged(const AbstractProperty& /*property*/) {}

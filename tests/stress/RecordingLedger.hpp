@@ -67,6 +67,7 @@ class RecordingLedger final : public Quoril::Core::PropertyObserver {
     static void describe(Quoril::Core::Filter& filter, Open& open);
     static ClosedRecording end(const Open& open);
     Recorder* find(const Quoril::Core::Filter& filter);
+    Quoril::Core::Filter* findOwner(const Quoril::Core::AbstractProperty& property);
     void closeLocked(ClosedRecording recording);
 
     const std::string folder_;
