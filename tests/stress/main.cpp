@@ -30,8 +30,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kEditorCount = 4;
+constexpr auto kShortestSeason = std::chrono::seconds(1);
 constexpr auto kLongestSeason = std::chrono::seconds(10);
-constexpr int kSeasonCount = 12;
+constexpr int kSeasonCount = 30;
 
 /// Takes everything and keeps nothing: recorders tell there of the rows that they left out.
 class NoOutput final : public std::streambuf {
@@ -63,6 +64,11 @@ void report(const Totals& totals, std::size_t seasonCount) {
                     totals.balances, totals.stops, totals.moduleLoads));
 }
 
+/// On a machine that is busy with other things the time may pass without much being done.
+bool isWorthATest(const Totals& totals) {
+    return totals.exactRecordings > 0 && totals.recordedRows > 0 && totals.stops > 0;
+}
+
 void leak() {
     static std::vector<std::vector<char>> kept;
     kept.emplace_back(std::size_t{1} << 18U, 'x');
@@ -83,11 +89,11 @@ void run(const Options& options) {
     stage.conductor.setIsDue(true);
 
     const auto end = Clock::now() + options.duration;
-    const auto length =
-        std::min<Clock::duration>(kLongestSeason, Clock::duration(options.duration) / kSeasonCount);
+    const auto length = std::clamp<Clock::duration>(
+        Clock::duration(options.duration) / kSeasonCount, kShortestSeason, kLongestSeason);
     MemoryWatch memory;
     std::size_t seasonCount = 0;
-    for (; Clock::now() < end; ++seasonCount) {
+    for (; Clock::now() < end || !isWorthATest(stage.totals); ++seasonCount) {
         runSeason(stage, length);
         removeNewFiles(folder.path());
         if (options.sabotage == Sabotage::kLeak) leak();
@@ -96,8 +102,6 @@ void run(const Options& options) {
     stage.conductor.setIsDue(false);
     report(stage.totals, seasonCount);
     memory.report(stage.totals.largestHeap);
-    if (stage.totals.exactRecordings == 0 || stage.totals.recordedRows == 0)
-        fail("nothing was recorded");
 }
 
 }  // namespace
