@@ -1,6 +1,9 @@
 # Flags of our own targets; consumers of installed targets never see them.
 #   quoril_warnings  warnings, all of them errors
 #   quoril_flags     sanitizers and coverage, as the presets ask
+#   Hardening.cmake  what makes faults hard to use
+include(Hardening)
+
 add_library(quoril_warnings INTERFACE)
 target_compile_options(quoril_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
@@ -40,4 +43,5 @@ function(quoril_own target)
   target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
   target_link_libraries(${target} PRIVATE
     $<BUILD_INTERFACE:quoril_warnings> $<BUILD_INTERFACE:quoril_flags>)
+  quoril_harden(${target})
 endfunction()
