@@ -5,8 +5,8 @@ usage: check_hardening.py [--release] FILE...
 
 Each file is to lie at a random address, to have its tables of addresses read-only before it runs, no
 memory that can be both written and run, and no code that is changed when it is loaded. With --release,
-which is for optimised builds, functions are also to guard their stack, and one file at least is to
-call the C library's checked functions. Prints what is missing and exits with 1 if there is anything.
+which is for the builds that users run, functions are also to guard their stack. Prints what is missing
+and exits with 1 if there is anything.
 
 check_hardening.py --self-test COMPILER checks the check itself on programs linked well and badly.
 """
@@ -67,8 +67,6 @@ def complaints(files, is_release):
     if is_release:
         lines += [f"{file}: no function guards its stack"
                   for file, text in texts.items() if GUARD not in imports(text)]
-        if not any(name.endswith("_chk") for text in texts.values() for name in imports(text)):
-            lines.append("no file calls a checked function of the C library")
     return lines
 
 
@@ -85,19 +83,15 @@ def self_test(compiler):
     }
     with tempfile.TemporaryDirectory() as folder:
         source = pathlib.Path(folder) / "main.c"
-        source.write_text("#include <stdio.h>\n"
-                          "int main(int n, char** a) { char t[9]; return sprintf(t, \"%d\", n) + a[0][0]; }\n")
+        source.write_text("int main(int count, char** texts) { return count + texts[0][0]; }\n")
         program = source.with_suffix("")
-        fortify = ["-U_FORTIFY_SOURCE", "-D_FORTIFY_SOURCE=2"]
         for wanted, flags in cases.items():
-            subprocess.run([compiler, "-x", "c", *good, *fortify, *flags, str(source), "-o", str(program)],
+            subprocess.run([compiler, "-x", "c", *good, *flags, str(source), "-o", str(program)],
                            check=True)
             found = complaints([program], True)
             assert len(found) == (1 if wanted else 0) and all(wanted in line for line in found), \
                 (wanted, found)
-        subprocess.run([compiler, "-x", "c", *good, "-U_FORTIFY_SOURCE", str(source), "-o", str(program)],
-                       check=True)
-        assert complaints([program], True) == ["no file calls a checked function of the C library"]
+        # The last one, without guards.
         assert complaints([program], False) == []
 
 
