@@ -23,7 +23,7 @@ ROWS = round(float(sys.argv[3]) * 3600 * RATE)
 PARENT = sys.argv[4] if len(sys.argv) > 4 else None
 TURN = 65536  # rows after which the counter begins again
 LIMIT = 7200  # s
-GROWTH = 2048  # KiB of memory from the first fifth of a run to its end, that tables may still fill
+GROWTH = 2048  # KiB of memory from the warm-up of a run to its end, that tables may still fill
 DRIFT = 1e-6  # share of the time; 0.1 % is promised
 DATES = re.compile(rb"\d\d/\d\d/\d{4}\t\d\d:\d\d:\d\d")
 
@@ -112,19 +112,28 @@ class Memory(threading.Thread):
         self.path = pathlib.Path(f"/proc/{process.pid}/status")
         self.process = process
         self.sizes = []
+        self.warm = None
         self.start()
+
+    def look(self):
+        found = re.search(r"VmRSS:\s+(\d+)", self.path.read_text())
+        if found:
+            self.sizes.append(int(found.group(1)))
+
+    def end_warm_up(self):
+        self.look()
+        self.warm = max(self.sizes)
+
+    def growth(self):
+        """From the largest of the warm-up, half of the time if nobody ended it, to the largest."""
+        if self.warm is None:
+            self.warm = max(self.sizes[:max(1, len(self.sizes) // 2)])
+        return max(self.sizes) - self.warm
 
     def run(self):
         while self.process.poll() is None:
-            found = re.search(r"VmRSS:\s+(\d+)", self.path.read_text())
-            if found:
-                self.sizes.append(int(found.group(1)))
-            time.sleep(0.05)
-
-    def growth(self):
-        """From the warm-up's largest to the end's largest."""
-        warm = max(self.sizes[:max(1, len(self.sizes) // 5)])
-        return warm, max(self.sizes[-max(1, len(self.sizes) // 5):]) - warm
+            self.look()
+            time.sleep(0.02)
 
 
 def recorder(name, path, pins):
@@ -145,7 +154,7 @@ class Seen:
         self.rows = 0
         self.worst = 0.0
 
-    def follow(self, stream):
+    def follow(self, stream, end_warm_up):
         number = 0
         worst = 0.0
         for line in stream:
@@ -153,6 +162,8 @@ class Seen:
             counter = line[line.index(b'"values":[') + 10:-3].split(b",")[0]
             require(int(float(counter)) == number % TURN, f"row {number} is another: {line}")
             number += 1
+            if number == ROWS // 5:
+                end_warm_up()
             worst = max(worst, abs(stamp - number / RATE))
         self.rows, self.worst = number, worst
 
@@ -168,7 +179,7 @@ def run(what, folder, filters, connections, seen=None):
                                    stdout=subprocess.PIPE, stderr=errors)
         memory = Memory(process)
         try:
-            (seen or Seen()).follow(process.stdout)
+            (seen or Seen()).follow(process.stdout, memory.end_warm_up)
         finally:
             process.stdout.close()
             process.wait(LIMIT)
@@ -176,13 +187,13 @@ def run(what, folder, filters, connections, seen=None):
         errors.seek(0)
         told = errors.read()
     require((process.returncode, told) == (0, b""), f"{what}: {process.returncode} {told}")
-    warm, growth = memory.growth()
+    growth = memory.growth()
     drift = ""
     if seen:
         require(seen.rows == ROWS, f"{what}: {seen.rows} rows")
         require(seen.worst <= DRIFT * ROWS / RATE, f"{what}: time is off by {seen.worst} s")
         drift = f", time off by at most {seen.worst:.1e} s"
-    print(f"{what}: {ROWS} rows in {time.monotonic() - started:.1f} s, memory {warm} KiB and "
+    print(f"{what}: {ROWS} rows in {time.monotonic() - started:.1f} s, memory {memory.warm} KiB and "
           f"{growth:+} KiB to the end{drift}", flush=True)
     require(growth <= GROWTH, f"{what}: the memory grows")
 
