@@ -19,7 +19,6 @@
 using Quoril::Core::Filter;
 using Quoril::Core::Flow;
 using Quoril::Core::LayoutManager;
-using Quoril::Core::Synchronizer;
 using Quoril::Core::TestSink;
 using Quoril::Core::waitFor;
 namespace WallClock = Conditions::WallClock;
