@@ -178,7 +178,7 @@ std::exception_ptr FilterRecordKivra2Format::recordRow(bool isPaused) {
         takeRow(isPaused);
         return nullptr;
     } catch (const std::exception&) {
-        const std::exception_ptr error = std::current_exception();
+        std::exception_ptr error = std::current_exception();
         abandonFile();
         return error;
     }

@@ -203,7 +203,7 @@ std::exception_ptr FilterRecordSensorFile::recordRow(
         if (config_.getColumnCount() > 0 && collectRow()) writeRow();
         return nullptr;
     } catch (const std::exception&) {
-        const std::exception_ptr error = std::current_exception();
+        std::exception_ptr error = std::current_exception();
         abandonFile();
         return error;
     }

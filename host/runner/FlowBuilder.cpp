@@ -197,7 +197,7 @@ std::string FlowBuilder::findLackOfRoomOf(const Switch& later) const {
         if (file.filter != later.filter) continue;
         const Core::AbstractProperty* name = bag.find(file.entry->name.text);
         if (name == nullptr || !describeProperty(*name).isWrittenFile) continue;
-        const std::string lack =
+        std::string lack =
             findLackOfRoom(writtenPathOf(file.entry->value.text), /*isRecording=*/true);
         if (!lack.empty()) return lack;
     }

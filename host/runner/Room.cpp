@@ -32,7 +32,7 @@ std::string findLackOfRoom(const Core::Filter& filter, const Core::AbstractPrope
     const bool isRecording = isRecordSwitch(filter, property, text, /*isOn=*/true);
     if (!isRecording && description.kind != PropertyKind::kCommand) return "";
     for (const std::string& path : listWrittenFiles(filter)) {
-        const std::string lack = findLackOfRoom(path, isRecording);
+        std::string lack = findLackOfRoom(path, isRecording);
         if (!lack.empty()) return lack;
     }
     return "";
