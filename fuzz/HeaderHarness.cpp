@@ -71,6 +71,14 @@ void writeAndReadAgain(const SensorFileConfig& config, bool binary) {
     requireSameColumns(config, *again);
 }
 
+/// Calibrations of raw files are another harness's: bare values do not come back from text.
+SensorFileConfig withoutCalib(SensorFileConfig config) {
+    config.clearCalibData();
+    config.setCalibTime(config.getCreationTime());
+    config.setCalibVersion(SensorFile::kDefaultCalibVersion);
+    return config;
+}
+
 void tryBothEncodings(const SensorFileConfig& config, bool binary) {
     if (binary ? canBeWrittenAsBinary(config) : canBeWrittenAsText(config))
         writeAndReadAgain(config, binary);
@@ -98,7 +106,7 @@ void tryHeader(Input input, bool binary) {
     readToEnd(reader, bytes.size());
     const SensorFileConfig config = reader.getConfig();
     reader.close();
-    if (!config.isCalibOnly()) tryBothEncodings(config, binary);
+    if (!config.isCalibOnly()) tryBothEncodings(withoutCalib(config), binary);
 }
 
 }  // namespace Fuzz

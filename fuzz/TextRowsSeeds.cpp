@@ -37,8 +37,7 @@ void Fuzz::writeSeeds(const std::filesystem::path& folder) {
         for (int type = 0; type < kTypeCount; type += 2) {
             const auto block = static_cast<unsigned>(i + static_cast<std::size_t>(type));
             const std::string name = std::to_string(i) + "-" + std::to_string(type);
-            writeSeed(folder, name, choicesOf(block, static_cast<unsigned>(1 + i % 3), type, true),
-                      kSamples[i]);
+            writeSeed(folder, name, choicesOf(block, 1 + block % 3, type, true), kSamples[i]);
             writeSeed(folder, name + "-all", choicesOf(block, 8, type, false), kSamples[i]);
         }
     }
