@@ -56,8 +56,8 @@ class WatchedFile {
 [[nodiscard]] std::string findReadObstacle(const std::string& path);
 
 /// A limit of the size of files (`ulimit -f`), and a reader of the standard output or of a pipe who
-/// goes away, are errors of the file from now on, not the end of the program, whose other recordings
-/// go on.
+/// goes away, are errors of the file from now on, not the end of the program, whose other
+/// recordings go on.
 void takeSignalsOfFilesAsErrors();
 
 /// True if the standard error stream goes to a terminal.
