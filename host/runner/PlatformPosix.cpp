@@ -92,6 +92,7 @@ std::string findWriteError(const std::string& path) {
     const bool isMissing = file < 0 && errno == ENOENT;
     std::error_code error;
     // Through a link to nothing the system makes no file that must be a new one.
+    // cppcheck-suppress resourceLeak ; nothing is open yet
     if (isMissing && fs::is_symlink(fs::symlink_status(path, error))) return describeError(ENOENT);
     if (isMissing) {
         constexpr mode_t kOwnerOnly = 0600;

@@ -294,7 +294,8 @@ TEST(FlowFile, ThousandsOfUnknownNamesAreToldInTime) {
     Problems problems;
     const std::clock_t begin = std::clock();
     (void)parseFlow(text, "f", lookUp, problems);
-    EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, 2.0);
+    // Half a second in a plain build; comparing every name with every other takes minutes.
+    EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, 20.0);
     EXPECT_EQ(problems.getList().size(), 8000U);
     EXPECT_THAT(problems.toText(), testing::HasSubstr("there is no filter 'g0" + filler +
                                                       "'; did you mean 'f0" + filler + "'?"));
